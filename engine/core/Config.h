@@ -1,0 +1,100 @@
+#pragma once
+
+#include <string>
+
+#include "core/Color.h"
+
+namespace vt {
+
+// Window style values of the configuration.
+const int WINDOW_STYLE_DEFAULT = 5;
+const int WINDOW_STYLE_FULLSCREEN = 8;
+
+// The engine's start-up settings, filled with defaults and then overwritten
+// from the configuration file ("vt-config.txt", or the file named by the
+// VANTOR_CONFIG environment variable). Every line of the file is one
+// "key:value," entry; white space is ignored and "#" starts a comment line.
+class Config {
+ public:
+  static Config& getInstance();
+  Config(const Config&) = delete;
+  Config& operator=(const Config&) = delete;
+
+  // Fills the fields from the text; an empty text reads the file.
+  int loadConfig(std::string text = "");
+  // The file's entry lines joined together, or "" when it cannot be read.
+  std::string readConfig() const;
+  // The value of a key in the loaded text, "" when absent.
+  std::string match(std::string key) const;
+  // Writes the configuration block to the log.
+  void printConfig() const;
+
+  std::string getConfig() const { return config; }
+  int getWindowHorizontalPixels() const { return window_horizontal_pixels; }
+  void setWindowHorizontalPixels(int value) { window_horizontal_pixels = value; }
+  int getWindowVerticalPixels() const { return window_vertical_pixels; }
+  void setWindowVerticalPixels(int value) { window_vertical_pixels = value; }
+  int getWindowHorizontalChars() const { return window_horizontal_chars; }
+  void setWindowHorizontalChars(int value) { window_horizontal_chars = value; }
+  int getWindowVerticalChars() const { return window_vertical_chars; }
+  void setWindowVerticalChars(int value) { window_vertical_chars = value; }
+  int getWindowStyle() const { return window_style; }
+  void setWindowStyle(int value) { window_style = value; }
+  Color getWindowBackgroundColor() const { return window_background_color; }
+  void setWindowBackgroundColor(Color value) { window_background_color = value; }
+  int getFrameTime() const { return frame_time; }
+  void setFrameTime(int value) { frame_time = value; }
+  float getFontScale() const { return font_scale; }
+  void setFontScale(float value) { font_scale = value; }
+  std::string getWindowTitle() const { return window_title; }
+  void setWindowTitle(std::string value) { window_title = std::move(value); }
+  bool getShowMouse() const { return show_mouse; }
+  void setShowMouse(bool value) { show_mouse = value; }
+  bool getHeadless() const { return headless; }
+  void setHeadless(bool value) { headless = value; }
+  std::string getFontFile() const { return font_file; }
+  void setFontFile(std::string value) { font_file = std::move(value); }
+  std::string getLogFile() const { return logfile; }
+  void setLogFile(std::string value) { logfile = std::move(value); }
+  int getRandomSeed() const { return random_seed; }
+  void setRandomSeed(int value) { random_seed = value; }
+  bool getNetworking() const { return networking; }
+  void setNetworking(bool value) { networking = value; }
+  int getQuadtreeThreshold() const { return quadtree_threshold; }
+  void setQuadtreeThreshold(int value) { quadtree_threshold = value; }
+  int getQuadtreeDepth() const { return quadtree_depth; }
+  void setQuadtreeDepth(int value) { quadtree_depth = value; }
+  int getGridWidth() const { return grid_width; }
+  void setGridWidth(int value) { grid_width = value; }
+  int getGridHeight() const { return grid_height; }
+  void setGridHeight(int value) { grid_height = value; }
+
+ private:
+  Config() = default;
+
+  void readBackgroundColor();
+  void readWindowStyle();
+
+  std::string config;
+  int window_horizontal_pixels = 1024;
+  int window_vertical_pixels = 768;
+  int window_horizontal_chars = 80;
+  int window_vertical_chars = 24;
+  int window_style = WINDOW_STYLE_DEFAULT;
+  Color window_background_color = BLACK;
+  int frame_time = 33;
+  float font_scale = 2.0f;
+  std::string window_title = "Vantor";
+  bool show_mouse = false;
+  bool headless = false;
+  std::string font_file = "vt-font.ttf";
+  std::string logfile = "vantor.log";
+  int random_seed = 0;
+  bool networking = false;
+  int quadtree_threshold = 1;
+  int quadtree_depth = 10;
+  int grid_width = 20;
+  int grid_height = 8;
+};
+
+}  // namespace vt

@@ -1,0 +1,191 @@
+#include "core/GameManager.h"
+
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
+
+#include "core/Clock.h"
+#include "core/Config.h"
+#include "core/EventStep.h"
+#include "core/LogManager.h"
+#include "media/DisplayManager.h"
+#include "world/WorldManager.h"
+
+namespace vt {
+
+namespace {
+
+const char* const STARS = "****************************************************";
+
+// Finer timer slack lets the frame sleep wake within its millisecond.
+const unsigned long FINE_TIMER_SLACK_NS = 1000;
+
+void sleepMilliseconds(int milliseconds) {
+  timespec request{milliseconds / 1000, (milliseconds % 1000) * 1000000L};
+  timespec remaining{};
+  while (nanosleep(&request, &remaining) == -1 && errno == EINTR) request = remaining;
+}
+
+// Logs the start of one manager; false when it failed.
+bool startManager(Manager& manager, const char* failure, const char* success) {
+  LogManager& log_manager = LogManager::getInstance();
+  if (manager.startUp() != 0) {
+    log_manager.writeLog("%s", failure);
+    return false;
+  }
+  log_manager.writeLog(1, "%s", success);
+  return true;
+}
+
+void stopManager(Manager& manager, const char* note) {
+  manager.shutDown();
+  LogManager::getInstance().writeLog(1, "%s", note);
+}
+
+}  // namespace
+
+GameManager::GameManager() { setType("GameManager"); }
+
+GameManager& GameManager::getInstance() {
+  static GameManager game_manager;
+  return game_manager;
+}
+
+bool GameManager::isValid(std::string event_type) const { return event_type == STEP_EVENT; }
+
+int GameManager::startUp() {
+  LogManager& log_manager = LogManager::getInstance();
+  if (isStarted()) {
+    log_manager.writeLog("%s::startup(): Warning! %s already started.", getType().c_str(),
+                         getType().c_str());
+    return -1;
+  }
+  Config& config = Config::getInstance();
+  config.loadConfig("");
+  if (log_manager.startUp() != 0) {
+    log_manager.writeLog("Error starting log manager!");
+    return -1;
+  }
+  log_manager.writeLog("%s", STARS);
+  log_manager.writeLog("** Vantor version %.2f **", static_cast<double>(VANTOR_VERSION));
+  log_manager.writeLog("** Game engine started **");
+  log_manager.writeLog("%s", STARS);
+  config.printConfig();
+  log_manager.writeLog(1, "Working directory:");
+  char directory[256];
+  log_manager.writeLog(1, "  %s",
+                       getcwd(directory, sizeof(directory)) ? directory : "(full path too long)");
+  log_manager.writeLog(1, "Log Manager started.");
+  frame_time = config.getFrameTime();
+  log_manager.writeLog(5, "GameManager::startUp(): frame time is %d", frame_time);
+  if (startManagers() != 0) return -1;
+  seedRandom();
+  previous_timer_slack = static_cast<unsigned long>(prctl(PR_GET_TIMERSLACK, 0, 0, 0, 0));
+  if (prctl(PR_SET_TIMERSLACK, FINE_TIMER_SLACK_NS, 0, 0, 0) != 0) {
+    log_manager.writeLog(
+        1, "GameManager()::startUp(): Warning!  timeBeginPeriod() cannot accept 1 msec.");
+  }
+  game_over = false;
+  Manager::startUp();
+  log_manager.writeLog(1, "GameManager successfully started.");
+  return 0;
+}
+
+int GameManager::startManagers() {
+  if (!startManager(DisplayManager::getInstance(), "Error starting display manager!",
+                    "Display manager started.") ||
+      !startManager(WorldManager::getInstance(), "Error starting world manager!",
+                    "World manager started.")) {
+    return -1;
+  }
+  const DisplayManager& display_manager = DisplayManager::getInstance();
+  WorldManager& world_manager = WorldManager::getInstance();
+  const Box screen(Vector(0, 0), static_cast<float>(display_manager.getHorizontal()),
+                   static_cast<float>(display_manager.getVertical()));
+  world_manager.setBoundary(screen);
+  world_manager.setView(screen);
+  world_manager.setViewSlack(Vector(0.33333334f, 0.33333334f));
+  return 0;
+}
+
+void GameManager::seedRandom() const {
+  auto seed = static_cast<std::uint32_t>(Config::getInstance().getRandomSeed());
+  if (seed == 0) seed = static_cast<std::uint32_t>(std::time(nullptr));
+  if (seed != 0xFFFFFFFFu) {
+    LogManager::getInstance().writeLog(10, "GameManager()::startUp(): srand() seed with %d",
+                                       static_cast<int>(seed));
+    std::srand(seed);
+  }
+}
+
+void GameManager::shutDown() {
+  LogManager& log_manager = LogManager::getInstance();
+  game_over = true;
+  if (previous_timer_slack != 0 &&
+      prctl(PR_SET_TIMERSLACK, previous_timer_slack, 0, 0, 0) != 0) {
+    log_manager.writeLog(
+        1, "GameManager()::shutDown(): Warning! timeEndPeriod() cannot accept 1 msec.");
+  }
+  stopManagers();
+  log_manager.writeLog("%s", STARS);
+  log_manager.writeLog("** Game engine stopped **");
+  log_manager.shutDown();
+  Manager::shutDown();
+}
+
+void GameManager::stopManagers() {
+  stopManager(WorldManager::getInstance(), "World manager stopped");
+  stopManager(DisplayManager::getInstance(), "Display manager stopped");
+}
+
+void GameManager::run() {
+  LogManager& log_manager = LogManager::getInstance();
+  log_manager.writeLog(1, "GameManager::run(): starting game loop");
+  game_over = false;
+  step_count = 0;
+  Clock clock;
+  int adjust_time = 0;
+  while (!game_over) {
+    clock.delta();
+    const EventStep step_event(step_count);
+    onEvent(&step_event);
+    DisplayManager::getInstance().swapBuffers();
+    WorldManager& world_manager = WorldManager::getInstance();
+    world_manager.update();
+    world_manager.draw();
+    adjust_time = sleepRestOfFrame(clock, adjust_time);
+    step_count++;
+  }
+  log_manager.writeLog(1, "GameManager::run(): end of game loop");
+}
+
+int GameManager::sleepRestOfFrame(const Clock& clock, int adjust_time) const {
+  const int frame_micros = frame_time * 1000;
+  const int split = static_cast<int>(clock.split());
+  const int intended = frame_micros - split - adjust_time;
+  if (intended > 0) {
+    const int before = static_cast<int>(clock.split());
+    sleepMilliseconds(intended / 1000);
+    const int after = static_cast<int>(clock.split());
+    const int oversleep = after - before - intended;
+    return oversleep < 0 ? 0 : oversleep;
+  }
+  if (adjust_time == 0 && frame_time > 0 && step_count > 0) {
+    LogManager::getInstance().writeLog(
+        "GameManager::run(): Can't keep up! frame_time %d ms, split %d ms", frame_time,
+        split / 1000);
+  }
+  return 0;
+}
+
+void doShutDown(int signal) {
+  LogManager::getInstance().writeLog(1, "doShutDown(): Signal is %d.  Shutting down.", signal);
+  GameManager::getInstance().shutDown();
+  std::exit(signal);
+}
+
+}  // namespace vt

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <string>
+
+#include "core/Manager.h"
+
+namespace vt {
+
+const float VANTOR_VERSION = 4.17f;
+
+// Owns the game loop: starts the other managers in order, runs one iteration
+// per frame at a fixed frame time and stops them again.
+class GameManager : public Manager {
+ public:
+  static GameManager& getInstance();
+
+  // Only "vt-step" is delivered by the game manager.
+  bool isValid(std::string event_type) const override;
+  int startUp() override;
+  void shutDown() override;
+
+  // Runs the loop until the game-over flag is set.
+  void run();
+
+  bool getGameOver() const { return game_over; }
+  void setGameOver(bool new_game_over = true) { game_over = new_game_over; }
+  int getFrameTime() const { return frame_time; }
+  int getStepCount() const { return step_count; }
+
+ private:
+  GameManager();
+
+  int startManagers();
+  void stopManagers();
+  void seedRandom() const;
+  // Sleeps away the rest of the frame and returns the new oversleep.
+  int sleepRestOfFrame(const class Clock& clock, int adjust_time) const;
+
+  bool game_over = false;
+  int frame_time = 0;
+  int step_count = 0;
+  unsigned long previous_timer_slack = 0;
+};
+
+// Logs the signal, shuts the engine down and ends the process with the
+// signal as exit status; meant to be installed as a signal handler.
+void doShutDown(int signal);
+
+}  // namespace vt

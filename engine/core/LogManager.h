@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdarg>
+#include <cstdio>
+#include <map>
+#include <string>
+
+#include "core/Manager.h"
+
+#define VT_PRINTF(format_index) __attribute__((format(printf, format_index, format_index + 1)))
+
+namespace vt {
+
+// Writes the engine's and the game's diagnostic lines to the log file, each
+// stamped with the time of day and the game loop's step count.
+class LogManager : public Manager {
+ public:
+  static LogManager& getInstance();
+  ~LogManager() override;
+
+  int startUp() override;
+  void shutDown() override;
+
+  // A line of the given level, written when it does not exceed the log level.
+  // Returns the message's length, 0 when filtered out, -1 on a failed write.
+  int writeLog(int level, const char* format, ...) const VT_PRINTF(3);
+  // A line that is always written.
+  int writeLog(const char* format, ...) const VT_PRINTF(2);
+  // A line written to a file of its own, opened on first use; always written
+  // (the level is accepted for symmetry and not used).
+  int writeMyLog(const std::string& file_name, int level, const char* format, ...) VT_PRINTF(4);
+  int writeMyLog(const std::string& file_name, const char* format, ...) VT_PRINTF(3);
+
+  void setFlush(bool new_do_flush = true) { do_flush = new_do_flush; }
+  void setLogLevel(int new_log_level);
+  int getLogLevel() const { return log_level; }
+  void setLogTimeString(bool new_log_time_string) { log_time_string = new_log_time_string; }
+  void setLogStepCount(bool new_log_step_count) { log_step_count = new_log_step_count; }
+
+ private:
+  LogManager();
+
+  int writeLine(FILE* p_stream, int level, const char* format, va_list args) const;
+  FILE* streamFor(const std::string& file_name);
+
+  bool do_flush = false;
+  int log_level = 0;
+  bool log_time_string = true;
+  bool log_step_count = true;
+  FILE* p_file = nullptr;
+  std::map<std::string, FILE*> extra_files;
+};
+
+}  // namespace vt

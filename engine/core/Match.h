@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace vt {
+
+// Looks up a key in a text of comma-separated key:value entries and returns
+// its value, or "" when the key is absent or has no value. All white space is
+// removed first. The parsed entries are kept: an empty text searches the
+// entries of the last text given. Not re-entrant.
+std::string match(std::string text, std::string key);
+
+}  // namespace vt

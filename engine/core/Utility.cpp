@@ -1,0 +1,107 @@
+#include "core/Utility.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <sstream>
+
+#include "world/Object.h"
+
+namespace vt {
+
+bool valueInRange(float value, float min, float max) { return min <= value && value <= max; }
+
+bool boxContainsPosition(const Box& box, const Vector& position) {
+  const Vector corner = box.getCorner();
+  return valueInRange(position.getX(), corner.getX(), corner.getX() + box.getHorizontal()) &&
+         valueInRange(position.getY(), corner.getY(), corner.getY() + box.getVertical());
+}
+
+bool boxContainsBox(const Box& outer, const Box& inner) {
+  const Vector far_corner = inner.getCorner() + Vector(inner.getHorizontal(), inner.getVertical());
+  return boxContainsPosition(outer, inner.getCorner()) && boxContainsPosition(outer, far_corner);
+}
+
+bool boxIntersectsBox(const Box& a, const Box& b) {
+  const float ax = a.getCorner().getX();
+  const float ay = a.getCorner().getY();
+  const float bx = b.getCorner().getX();
+  const float by = b.getCorner().getY();
+  const bool x_overlap = valueInRange(ax, bx, bx + b.getHorizontal()) ||
+                         valueInRange(bx, ax, ax + a.getHorizontal());
+  const bool y_overlap = valueInRange(ay, by, by + b.getVertical()) ||
+                         valueInRange(by, ay, ay + a.getVertical());
+  return x_overlap && y_overlap;
+}
+
+bool boxIntersectsCircle(const Box& box, const Circle& circle) {
+  // The point of the box nearest the centre decides.
+  const Vector corner = box.getCorner();
+  const Vector center = circle.getCenter();
+  const float nearest_x =
+      std::clamp(center.getX(), corner.getX(), corner.getX() + box.getHorizontal());
+  const float nearest_y =
+      std::clamp(center.getY(), corner.getY(), corner.getY() + box.getVertical());
+  const float dx = center.getX() - nearest_x;
+  const float dy = center.getY() - nearest_y;
+  return dx * dx + dy * dy <= circle.getRadius() * circle.getRadius();
+}
+
+bool boxIntersectsLine(const Box& box, const Line& line) {
+  // Clips the segment's parameter range [0,1] against both slabs of the box.
+  const Vector start = line.getP1();
+  const Vector travel = line.getP2() - start;
+  const Vector corner = box.getCorner();
+  const float mins[2] = {corner.getX(), corner.getY()};
+  const float maxs[2] = {corner.getX() + box.getHorizontal(), corner.getY() + box.getVertical()};
+  const float starts[2] = {start.getX(), start.getY()};
+  const float travels[2] = {travel.getX(), travel.getY()};
+  float t_enter = 0.0f;
+  float t_leave = 1.0f;
+  for (int axis = 0; axis < 2; axis++) {
+    if (travels[axis] == 0.0f) {
+      if (!valueInRange(starts[axis], mins[axis], maxs[axis])) return false;
+      continue;
+    }
+    float t1 = (mins[axis] - starts[axis]) / travels[axis];
+    float t2 = (maxs[axis] - starts[axis]) / travels[axis];
+    if (t1 > t2) std::swap(t1, t2);
+    t_enter = std::max(t_enter, t1);
+    t_leave = std::min(t_leave, t2);
+    if (t_enter > t_leave) return false;
+  }
+  return true;
+}
+
+Box getWorldBox(const Object* p_object) { return getWorldBox(p_object, p_object->getPosition()); }
+
+Box getWorldBox(const Object* p_object, const Vector& where) {
+  Box box = p_object->getBox();
+  box.setCorner(box.getCorner() + where);
+  return box;
+}
+
+std::string toString(float value) {
+  std::ostringstream stream;
+  stream << value;
+  return stream.str();
+}
+
+std::string toString(int value) { return std::to_string(value); }
+
+std::string toString(bool value) { return value ? "true" : "false"; }
+
+const char* getTimeString() {
+  static char time_text[32];
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  if (now == static_cast<std::time_t>(-1) || localtime_r(&now, &local) == nullptr) {
+    std::snprintf(time_text, sizeof(time_text), "(time error)");
+  } else {
+    std::snprintf(time_text, sizeof(time_text), "%02d:%02d:%02d", local.tm_hour, local.tm_min,
+                  local.tm_sec);
+  }
+  return time_text;
+}
+
+}  // namespace vt

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/Color.h"
+#include "core/Vector.h"
+#include "media/Frame.h"
+
+namespace vt {
+
+// An ordered list of frames of one size, drawn in one colour. Owned by the
+// resource manager; objects point at it.
+class Sprite {
+ public:
+  explicit Sprite(int max_frames);
+  Sprite(const Sprite&) = delete;
+  Sprite& operator=(const Sprite&) = delete;
+
+  int getWidth() const { return width; }
+  void setWidth(int new_width) { width = new_width; }
+  int getHeight() const { return height; }
+  void setHeight(int new_height) { height = new_height; }
+  Color getColor() const { return color; }
+  void setColor(Color new_color) { color = new_color; }
+  int getFrameCount() const { return frame_count; }
+  int getMaxFrameCount() const { return max_frame_count; }
+  int getSlowdown() const { return slowdown; }
+  void setSlowdown(int new_slowdown) { slowdown = new_slowdown; }
+  char getTransparency() const { return transparency; }
+  void setTransparency(char new_transparency) { transparency = new_transparency; }
+  std::string getLabel() const { return label; }
+  void setLabel(std::string new_label) { label = std::move(new_label); }
+
+  // Appends a copy; -1 when the sprite is full.
+  int addFrame(Frame new_frame);
+  // A copy of the frame, or an empty frame when the number is out of range.
+  Frame getFrame(int frame_number) const;
+  int draw(int frame_number, Vector position, char draw_transparency) const;
+
+ private:
+  int width = 0;
+  int height = 0;
+  int max_frame_count = 0;
+  int frame_count = 0;
+  Color color = WHITE;
+  int slowdown = 1;
+  char transparency = 0;
+  std::vector<Frame> frame;
+  std::string label = "[Undefined]";
+};
+
+}  // namespace vt

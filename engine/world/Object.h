@@ -1,0 +1,147 @@
+#pragma once
+
+#include <list>
+#include <string>
+
+#include "core/Box.h"
+#include "core/Event.h"
+#include "core/Vector.h"
+#include "media/Animation.h"
+#include "media/Shape.h"
+
+namespace vt {
+
+enum Solidness {
+  HARD = 0,  // collides with and is blocked by other HARD objects
+  SOFT,      // collides with everything, blocks only objects with no_soft set
+  SPECTRAL,  // never collides
+};
+
+// Drawing layers, drawn from the lowest to the highest.
+const int MIN_ALTITUDE = 0;
+const int MAX_ALTITUDE = 4;
+const int MAX_OBJ_EVENTS = 100;
+
+// Attribute groups; each has a modified flag that serialization reads.
+enum ObjectAttribute {
+  ID = 0,
+  ACTIVE,
+  VISIBLE,
+  EVENTS,
+  BOX,
+  POSITION,
+  TYPE,
+  ANIMATION,
+  ALTITUDE,
+  SOLIDNESS,
+  NO_SOFT,
+  DIRECTION,
+  SPEED,
+  ACCELERATION,
+  SHAPE,
+  PATH,
+  FOLLOW_PATH,
+  AVOID_COLLISIONS,
+  ATTRIBUTE_COUNT,
+};
+
+// Everything that lives in the game world. Objects are created on the heap,
+// insert themselves into the world manager and are deleted by it after
+// markForDelete.
+class Object {
+ public:
+  Object();
+  Object(const Object&) = delete;
+  Object& operator=(const Object&) = delete;
+
+  virtual ~Object();
+  virtual int setPosition(Vector new_position);
+  // Returns 1 when the event was handled.
+  virtual int eventHandler(const Event* p_event);
+  virtual int draw();
+  virtual bool isModified() const;
+  virtual bool isModified(int attribute) const;
+
+  void setId(int new_id);
+  int getId() const { return id; }
+  int setType(std::string new_type);
+  std::string getType() const { return type; }
+  int setActive(bool active = true);
+  bool isActive() const { return is_active; }
+  int setVisible(bool visible = true);
+  bool isVisible() const { return is_visible; }
+  int setAltitude(int new_altitude);
+  int getAltitude() const { return altitude; }
+  int setSolidness(Solidness new_solidness);
+  Solidness getSolidness() const { return solidness; }
+  bool isSolid() const { return solidness == HARD || solidness == SOFT; }
+  int setNoSoft(bool new_no_soft = true);
+  bool getNoSoft() const { return no_soft; }
+  int setAvoidCollisions(bool new_avoid_collisions = true);
+  bool getAvoidCollisions() const { return avoid_collisions; }
+  int setBox(Box new_box);
+  Box getBox() const { return box; }
+  Vector getPosition() const { return position; }
+
+  // Stored as given: not normalised, and no modified flag is raised.
+  void setDirection(Vector new_direction);
+  Vector getDirection() const { return direction; }
+  void setSpeed(float new_speed);
+  float getSpeed() const { return speed; }
+  // Speed becomes the vector's length, direction its unit vector.
+  void setVelocity(Vector velocity);
+  Vector getVelocity() const;
+  void setAcceleration(Vector new_acceleration);
+  Vector getAcceleration() const { return acceleration; }
+  // Where the next move takes the object, without acceleration.
+  Vector predictPosition() const;
+
+  int setAnimation(Animation new_animation, bool set_box = true);
+  Animation getAnimation() const { return animation; }
+  void setShape(Shape new_shape);
+  Shape getShape() const { return shape; }
+
+  void setPath(std::list<Vector> new_path);
+  std::list<Vector> getPath() const { return path; }
+  void setFollowPath(bool new_follow_path = true);
+  bool getFollowPath() const { return follow_path; }
+  // Moves along the path: called by the world update after the move.
+  void stepPath();
+  // Adds the acceleration to the velocity: called after stepPath.
+  void applyAcceleration();
+
+  int registerInterest(std::string event_type);
+  int unregisterInterest(std::string event_type);
+  int getEventCount() const { return event_count; }
+  std::string getEventName(int index) const;
+
+ protected:
+  // Lets subclasses raise or clear a group's modified flag.
+  void setModified(int attribute, bool value = true);
+
+ private:
+  void pointAtFirstWaypoint();
+
+  int id;
+  std::string type = "(Undefined)";
+  bool is_active = true;
+  bool is_visible = true;
+  Box box{Vector(-0.5f, -0.5f), 0.99f, 0.99f};
+  Vector position{1.0f, 1.0f};
+  Vector direction;
+  float speed = 0.0f;
+  Vector acceleration;
+  int altitude = 2;
+  Solidness solidness = HARD;
+  Animation animation;
+  bool no_soft = false;
+  int event_count = 0;
+  std::string event_name[MAX_OBJ_EVENTS];
+  bool modified[ATTRIBUTE_COUNT];
+  Shape shape;
+  std::list<Vector> path;
+  bool follow_path = false;
+  bool avoid_collisions = false;
+};
+
+}  // namespace vt

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "core/Vector.h"
+#include "world/Object.h"
+#include "world/ObjectList.h"
+
+namespace vt {
+
+// Keeps every object in the lists that the engine's passes walk: active,
+// solid, visible by altitude, inactive, and by type.
+class SceneGraph {
+ public:
+  int startUp();
+  void shutDown();
+
+  int insertObject(Object* p_object);
+  int removeObject(Object* p_object);
+
+  ObjectList activeObjects() const { return objects; }
+  ObjectList inactiveObjects() const { return inactive_objects; }
+  ObjectList solidObjects() const { return solid_objects; }
+  // The solid list itself, for passes that only read it.
+  const ObjectList& solidObjectsView() const { return solid_objects; }
+  ObjectList visibleObjects(int altitude) const;
+  ObjectList objectsOfType(std::string type) const;
+
+  // Called by the object's setters before they store the new value.
+  int updateAltitude(Object* p_object, int new_altitude);
+  int updateSolidness(Object* p_object, Solidness new_solidness);
+  int updateVisible(Object* p_object, bool new_visible);
+  int updateActive(Object* p_object, bool new_active);
+  int updateType(Object* p_object, const std::string& new_type);
+  int updatePosition(Object* p_object, Vector new_position);
+
+ private:
+  int activate(Object* p_object);
+  int deactivate(Object* p_object);
+
+  ObjectList objects;
+  ObjectList solid_objects;
+  ObjectList visible_objects[MAX_ALTITUDE + 1];
+  ObjectList inactive_objects;
+  std::map<std::string, ObjectList> type_map;
+};
+
+}  // namespace vt

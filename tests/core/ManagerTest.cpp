@@ -1,0 +1,104 @@
+#include <gtest/gtest.h>
+
+#include "core/EventStep.h"
+#include "core/GameManager.h"
+#include "core/LogManager.h"
+#include "support/HeadlessEngine.h"
+#include "support/RecordingObject.h"
+#include "world/WorldManager.h"
+
+using test::RecordingObject;
+
+namespace {
+
+// A manager that delivers any event type.
+class OpenManager : public vt::Manager {
+ public:
+  bool isValid(std::string) const override { return true; }
+};
+
+}  // namespace
+
+TEST(Manager, DeliversInRegistrationOrderToActiveObjectsOnly) {
+  test::HeadlessEngine engine;
+  OpenManager manager;
+  std::vector<int> order;
+  auto* p_first = new RecordingObject;
+  auto* p_second = new RecordingObject;
+  auto* p_third = new RecordingObject;
+  p_first->on_event = [&](const vt::Event*) { order.push_back(1); };
+  p_second->on_event = [&](const vt::Event*) { order.push_back(2); };
+  p_third->on_event = [&](const vt::Event*) { order.push_back(3); };
+  ASSERT_EQ(manager.registerInterest(p_third, "ping"), 0);
+  ASSERT_EQ(manager.registerInterest(p_first, "ping"), 0);
+  ASSERT_EQ(manager.registerInterest(p_second, "ping"), 0);
+  p_first->setActive(false);
+
+  vt::Event ping;
+  ping.setType("ping");
+  EXPECT_EQ(manager.onEvent(&ping), 2);
+  EXPECT_EQ(order, (std::vector<int>{3, 2}));
+
+  vt::Event undefined;
+  EXPECT_EQ(manager.onEvent(&undefined), 0);
+  EXPECT_EQ(p_second->received.size(), 1u);
+}
+
+TEST(Manager, HandlersMayUnregisterDuringDelivery) {
+  test::HeadlessEngine engine;
+  OpenManager manager;
+  auto* p_first = new RecordingObject;
+  auto* p_second = new RecordingObject;
+  p_first->on_event = [&](const vt::Event*) { manager.unregisterInterest(p_second, "ping"); };
+  manager.registerInterest(p_first, "ping");
+  manager.registerInterest(p_second, "ping");
+  vt::Event ping;
+  ping.setType("ping");
+  // The walk goes over a copy taken before delivery began.
+  EXPECT_EQ(manager.onEvent(&ping), 2);
+  EXPECT_EQ(manager.onEvent(&ping), 1);
+}
+
+TEST(Manager, InterestTableCompactsAndIsLimitedTo100Types) {
+  test::HeadlessEngine engine;
+  OpenManager manager;
+  auto* p_object = new RecordingObject;
+  for (int i = 0; i < vt::MAX_EVENTS; i++) {
+    ASSERT_EQ(manager.registerInterest(p_object, "type" + std::to_string(i)), 0);
+  }
+  EXPECT_EQ(manager.registerInterest(p_object, "one too many"), -1);
+  EXPECT_EQ(engine.logText().find("one too many"), std::string::npos);
+
+  // Emptying slot 0 moves every later type down; all still deliver.
+  ASSERT_EQ(manager.unregisterInterest(p_object, "type0"), 0);
+  EXPECT_EQ(manager.unregisterInterest(p_object, "type0"), -1);
+  ASSERT_EQ(manager.registerInterest(p_object, "one more"), 0);
+  vt::Event event;
+  for (const char* type : {"type1", "type99", "one more"}) {
+    event.setType(type);
+    EXPECT_EQ(manager.onEvent(&event), 1) << type;
+  }
+  event.setType("type0");
+  EXPECT_EQ(manager.onEvent(&event), 0);
+}
+
+TEST(Manager, RefusesTypesItDoesNotDeliver) {
+  test::HeadlessEngine engine;
+  vt::LogManager::getInstance().setLogLevel(1);
+  auto* p_object = new RecordingObject;
+  vt::WorldManager& world_manager = vt::WorldManager::getInstance();
+  EXPECT_EQ(world_manager.registerInterest(p_object, vt::STEP_EVENT), -1);
+  const vt::EventStep step;
+  EXPECT_EQ(world_manager.onEvent(&step), 0);
+  const std::string log = engine.logText();
+  EXPECT_NE(log.find("Manager(WorldManager)::registerInterest(): Event 'vt-step' not valid for "
+                     "this Manager"),
+            std::string::npos);
+  EXPECT_NE(log.find("Manager(WorldManager)::onEvent(): Error! Event type vt-step not valid."),
+            std::string::npos);
+
+  // Objects reach the game manager for step events.
+  EXPECT_EQ(p_object->registerInterest(vt::STEP_EVENT), 0);
+  EXPECT_EQ(vt::GameManager::getInstance().onEvent(&step), 1);
+  EXPECT_EQ(p_object->steps, std::vector<int>{0});
+}
