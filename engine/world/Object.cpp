@@ -2,6 +2,7 @@
 
 #include "core/GameManager.h"
 #include "core/LogManager.h"
+#include "media/InputManager.h"
 #include "world/SceneGraph.h"
 #include "world/WorldManager.h"
 
@@ -14,6 +15,9 @@ int next_id = 1;
 // The manager that delivers events of this type.
 Manager& managerFor(const std::string& event_type) {
   if (event_type == STEP_EVENT) return GameManager::getInstance();
+  if (event_type == KEYBOARD_EVENT || event_type == MOUSE_EVENT) {
+    return InputManager::getInstance();
+  }
   return WorldManager::getInstance();
 }
 
@@ -167,6 +171,7 @@ int Object::setAnimation(Animation new_animation, bool set_box) {
   modified[ANIMATION] = true;
   if (set_box) {
     box = animation.getBox();
+    sceneGraph().updateExtent(this);
     modified[BOX] = true;
   }
   return 0;

@@ -2,6 +2,7 @@
 
 #include "core/GameManager.h"
 #include "core/LogManager.h"
+#include "core/Utility.h"
 
 namespace vt {
 
@@ -26,6 +27,7 @@ int SceneGraph::startUp() { return 0; }
 void SceneGraph::shutDown() {
   objects.clear();
   solid_objects.clear();
+  solid_grid.clear();
   for (ObjectList& list : visible_objects) list.clear();
   inactive_objects.clear();
   type_map.clear();
@@ -45,7 +47,7 @@ int SceneGraph::insertObject(Object* p_object) {
         p_object->getId());
     return -1;
   }
-  if (p_object->isSolid() && solid_objects.insert(p_object) != 0) {
+  if (p_object->isSolid() && addSolid(p_object) != 0) {
     log_manager.writeLog("SceneGraph::insertObject(): Error! unable to insert solid Object (id %d)",
                          p_object->getId());
     return -1;
@@ -80,7 +82,7 @@ int SceneGraph::removeObject(Object* p_object) {
   if (type_entry != type_map.end()) type_entry->second.remove(p_object);
   const int altitude = p_object->getAltitude();
   if (p_object->isVisible() && altitudeInRange(altitude)) visible_objects[altitude].remove(p_object);
-  if (p_object->isSolid()) solid_objects.remove(p_object);
+  if (p_object->isSolid()) removeSolid(p_object);
   return 0;
 }
 
@@ -135,14 +137,14 @@ int SceneGraph::updateAltitude(Object* p_object, int new_altitude) {
 int SceneGraph::updateSolidness(Object* p_object, Solidness new_solidness) {
   if (!p_object->isActive()) return 0;
   if (p_object->isSolid() && new_solidness == SPECTRAL) {
-    if (failed(solid_objects.remove(p_object))) {
+    if (failed(removeSolid(p_object))) {
       return reportFailure("SceneGraph::updateSolidness(): unable to remove solid object (%s)",
                            p_object);
     }
     return 0;
   }
   if (p_object->isSolid() || (new_solidness != HARD && new_solidness != SOFT)) return 0;
-  if (failed(solid_objects.insert(p_object))) {
+  if (failed(addSolid(p_object))) {
     LogManager::getInstance().writeLog(
         "SceneGraph::updateSolidness(): Error! unable to insert solid object");
     return -1;
@@ -184,7 +186,7 @@ int SceneGraph::activate(Object* p_object) {
     return reportFailure(
         "SceneGraph::updateActive(): insert Object (%s) failed for visible_objects!", p_object);
   }
-  if (p_object->isSolid() && failed(solid_objects.insert(p_object))) {
+  if (p_object->isSolid() && failed(addSolid(p_object))) {
     return reportFailure(
         "SceneGraph::updateActive(): insert object (%s) failed for solid_objects!", p_object);
   }
@@ -207,7 +209,7 @@ int SceneGraph::deactivate(Object* p_object) {
         "SceneGraph::updateActive(): remove visible object (%s) failed for visible_objects!",
         p_object);
   }
-  if (p_object->isSolid() && failed(solid_objects.remove(p_object))) {
+  if (p_object->isSolid() && failed(removeSolid(p_object))) {
     return reportFailure(
         "SceneGraph::updateActive(): remove object (%s) failed for solid_objects!", p_object);
   }
@@ -234,6 +236,28 @@ int SceneGraph::updateType(Object* p_object, const std::string& new_type) {
   return 0;
 }
 
-int SceneGraph::updatePosition(Object*, Vector) { return 0; }
+int SceneGraph::addSolid(Object* p_object) {
+  if (solid_objects.insert(p_object) != 0) return -1;
+  solid_grid.insert(p_object, getWorldBox(p_object));
+  return 0;
+}
+
+int SceneGraph::removeSolid(Object* p_object) {
+  solid_grid.remove(p_object);
+  return solid_objects.remove(p_object);
+}
+
+ObjectList SceneGraph::solidObjectsIn(const Box& box, const Object* p_ignore) const {
+  return solid_grid.query(box, p_ignore);
+}
+
+int SceneGraph::updatePosition(Object* p_object, Vector new_position) {
+  solid_grid.update(p_object, getWorldBox(p_object, new_position));
+  return 0;
+}
+
+void SceneGraph::updateExtent(Object* p_object) {
+  solid_grid.update(p_object, getWorldBox(p_object));
+}
 
 }  // namespace vt

@@ -6,6 +6,7 @@
 #include "core/Vector.h"
 #include "world/Object.h"
 #include "world/ObjectList.h"
+#include "world/SpatialGrid.h"
 
 namespace vt {
 
@@ -22,8 +23,9 @@ class SceneGraph {
   ObjectList activeObjects() const { return objects; }
   ObjectList inactiveObjects() const { return inactive_objects; }
   ObjectList solidObjects() const { return solid_objects; }
-  // The solid list itself, for passes that only read it.
-  const ObjectList& solidObjectsView() const { return solid_objects; }
+  // The solid objects whose world boxes intersect the box, except p_ignore,
+  // in the order of the solid list.
+  ObjectList solidObjectsIn(const Box& box, const Object* p_ignore) const;
   ObjectList visibleObjects(int altitude) const;
   ObjectList objectsOfType(std::string type) const;
 
@@ -34,13 +36,20 @@ class SceneGraph {
   int updateActive(Object* p_object, bool new_active);
   int updateType(Object* p_object, const std::string& new_type);
   int updatePosition(Object* p_object, Vector new_position);
+  // The object's box changed without a removal and re-insertion.
+  void updateExtent(Object* p_object);
 
  private:
   int activate(Object* p_object);
   int deactivate(Object* p_object);
+  // The solid list and the grid that finds solid objects by place change
+  // together.
+  int addSolid(Object* p_object);
+  int removeSolid(Object* p_object);
 
   ObjectList objects;
   ObjectList solid_objects;
+  SpatialGrid solid_grid;
   ObjectList visible_objects[MAX_ALTITUDE + 1];
   ObjectList inactive_objects;
   std::map<std::string, ObjectList> type_map;

@@ -143,14 +143,7 @@ void WorldManager::draw() {
 }
 
 ObjectList WorldManager::getCollisions(const Object* p_object, Vector where) const {
-  const Box moved_box = getWorldBox(p_object, where);
-  ObjectList collisions;
-  for (Object* p_other : scene_graph.solidObjectsView()) {
-    if (p_other != p_object && boxIntersectsBox(moved_box, getWorldBox(p_other))) {
-      collisions.insert(p_other);
-    }
-  }
-  return collisions;
+  return scene_graph.solidObjectsIn(getWorldBox(p_object, where), p_object);
 }
 
 bool WorldManager::slideAroundObstacle(Object* p_object, Vector& where,
