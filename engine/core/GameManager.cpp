@@ -24,10 +24,20 @@ const char* const STARS = "****************************************************"
 // Finer timer slack lets the frame sleep wake within its millisecond.
 const unsigned long FINE_TIMER_SLACK_NS = 1000;
 
+// Sleeps at least the given span and wakes on the next whole-millisecond
+// tick of the monotonic clock, as a system timer of one millisecond
+// resolution does: frames started on a tick keep to whole milliseconds.
 void sleepMilliseconds(int milliseconds) {
-  timespec request{milliseconds / 1000, (milliseconds % 1000) * 1000000L};
-  timespec remaining{};
-  while (nanosleep(&request, &remaining) == -1 && errno == EINTR) request = remaining;
+  const std::int64_t NS_PER_MS = 1000000;
+  const std::int64_t NS_PER_S = 1000000000;
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  std::int64_t wake = static_cast<std::int64_t>(now.tv_sec) * NS_PER_S + now.tv_nsec +
+                      milliseconds * NS_PER_MS;
+  wake = (wake + NS_PER_MS - 1) / NS_PER_MS * NS_PER_MS;
+  const timespec target{static_cast<time_t>(wake / NS_PER_S), static_cast<long>(wake % NS_PER_S)};
+  while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &target, nullptr) == EINTR) {
+  }
 }
 
 // Logs the start of one manager; false when it failed.
