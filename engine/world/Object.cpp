@@ -2,6 +2,7 @@
 
 #include "core/GameManager.h"
 #include "core/LogManager.h"
+#include "extras/NetworkManager.h"
 #include "media/InputManager.h"
 #include "world/SceneGraph.h"
 #include "world/WorldManager.h"
@@ -12,11 +13,16 @@ namespace {
 
 int next_id = 1;
 
-// The manager that delivers events of this type.
-Manager& managerFor(const std::string& event_type) {
+// The manager that delivers events of this type. Unregistering from
+// "vt-custom-network" goes to the world manager, unlike registering for it.
+Manager& managerFor(const std::string& event_type, bool unregistering = false) {
   if (event_type == STEP_EVENT) return GameManager::getInstance();
   if (event_type == KEYBOARD_EVENT || event_type == MOUSE_EVENT) {
     return InputManager::getInstance();
+  }
+  if (event_type == NETWORK_EVENT || event_type == KEYBOARD_NETWORK_EVENT ||
+      event_type == MOUSE_NETWORK_EVENT || (event_type == CUSTOM_NETWORK_EVENT && !unregistering)) {
+    return NetworkManager::getInstance();
   }
   return WorldManager::getInstance();
 }
@@ -242,7 +248,7 @@ int Object::unregisterInterest(std::string event_type) {
         "Object::unregisterInterest(): event '%s' not previously registered", event_type.c_str());
     return -1;
   }
-  if (managerFor(event_type).unregisterInterest(this, event_type) != 0) return -1;
+  if (managerFor(event_type, true).unregisterInterest(this, event_type) != 0) return -1;
   for (int i = index; i < event_count - 1; i++) event_name[i] = std::move(event_name[i + 1]);
   event_count--;
   event_name[event_count].clear();
