@@ -4,6 +4,7 @@
 #include "core/LogManager.h"
 #include "extras/NetworkManager.h"
 #include "media/InputManager.h"
+#include "media/ResourceManager.h"
 #include "world/SceneGraph.h"
 #include "world/WorldManager.h"
 
@@ -180,6 +181,18 @@ int Object::setAnimation(Animation new_animation, bool set_box) {
     sceneGraph().updateExtent(this);
     modified[BOX] = true;
   }
+  return 0;
+}
+
+int Object::setSprite(std::string sprite_label) {
+  Sprite* p_sprite = ResourceManager::getInstance().getSprite(sprite_label);
+  if (p_sprite == nullptr) {
+    LogManager::getInstance().writeLog("Object::setSprite(): Warning! Sprite '%s' not found",
+                                       sprite_label.c_str());
+    return -1;
+  }
+  animation.setSprite(p_sprite);
+  setBox(animation.getBox());
   return 0;
 }
 

@@ -98,6 +98,9 @@ class Object {
 
   int setAnimation(Animation new_animation, bool set_box = true);
   Animation getAnimation() const { return animation; }
+  // Shows the resource manager's sprite of that label and takes its box;
+  // -1 when there is no such sprite.
+  int setSprite(std::string sprite_label);
   void setShape(Shape new_shape);
   Shape getShape() const { return shape; }
 

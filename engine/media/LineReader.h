@@ -1,0 +1,46 @@
+#pragma once
+
+#include <fstream>
+#include <string>
+
+namespace vt {
+
+// Reads a sprite file line by line and keeps the file-wide line counter that
+// the loaders quote in their messages. Lines are bounded: a line longer than
+// MAX_LINE_LENGTH ends the reading, so no file content can exhaust memory.
+class LineReader {
+ public:
+  // Longest line kept whole.
+  static const int MAX_LINE_LENGTH = 4096;
+
+  // Opens the file and resets the line counter; false when it cannot be read.
+  bool open(const std::string& filename);
+  // Back to the first line; the line counter is kept.
+  void rewind();
+
+  // The next line without its newline and one trailing carriage return,
+  // counted when count is true. At the end of the file logs the
+  // unexpected end and returns an empty string.
+  std::string getLine(bool count);
+  // The next line exactly as it is (carriage return kept); false when the
+  // file had nothing left to read.
+  bool readRawLine(std::string& line);
+  // True once a read has met the end of the file (or an overlong line).
+  bool atEnd() const { return at_end; }
+  // Bytes between the reading position and the end of the file.
+  long long remainingBytes();
+
+  int getLineNumber() const { return line_number; }
+  void countLine() { line_number++; }
+
+ private:
+  // Keeps the first MAX_LINE_LENGTH + 1 characters, logs, and stops reading.
+  bool cutOverlongLine(std::string& line, char next);
+
+  std::filebuf file;
+  long long file_size = 0;
+  bool at_end = false;
+  int line_number = 0;
+};
+
+}  // namespace vt
