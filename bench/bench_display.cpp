@@ -1,0 +1,64 @@
+// Cost of a full 80x24 screen of characters, drawn and shown once per
+// iteration in a window on a private Xvfb, and the memory the loop holds.
+#include <benchmark/benchmark.h>
+
+#include <fstream>
+#include <string>
+
+#include "media/DisplayManager.h"
+#include "support/TestSupport.h"
+
+namespace {
+
+// A field of /proc/self/status in megabytes, -1 when it cannot be read.
+double statusMegabytes(const std::string& field) {
+  std::ifstream status("/proc/self/status");
+  std::string name;
+  while (status >> name) {
+    double kilobytes = 0;
+    if (name == field + ":" && status >> kilobytes) return kilobytes / 1024.0;
+    status.ignore(256, '\n');
+  }
+  return -1;
+}
+
+// Every cell, its character and colour changing from frame to frame.
+void drawScreen(vt::DisplayManager& display_manager, int frame) {
+  const int columns = display_manager.getHorizontal();
+  const int rows = display_manager.getVertical();
+  for (int y = 0; y < rows; y++) {
+    for (int x = 0; x < columns; x++) {
+      const int seed = x + y * columns + frame;
+      const char ch = static_cast<char>('!' + seed % 94);
+      const auto color = static_cast<vt::Color>(vt::RED + seed % 7);
+      display_manager.drawCh(vt::Vector(static_cast<float>(x), static_cast<float>(y)), ch, color);
+    }
+  }
+}
+
+void BM_FullScreenFrame(benchmark::State& state) {
+  if (!vt::test::processXvfb().isRunning()) {
+    state.SkipWithError("Xvfb did not start");
+    return;
+  }
+  vt::test::TestConfig config(false);
+  vt::DisplayManager& display_manager = vt::DisplayManager::getInstance();
+  if (display_manager.startUp() != 0) {
+    state.SkipWithError("the display manager did not start");
+    return;
+  }
+  int frame = 0;
+  for (auto _ : state) {
+    drawScreen(display_manager, frame++);
+    display_manager.swapBuffers();
+  }
+  state.counters["cells"] = display_manager.getHorizontal() * display_manager.getVertical();
+  state.counters["VmRSS_MB"] = statusMegabytes("VmRSS");
+  state.counters["VmHWM_MB"] = statusMegabytes("VmHWM");
+  display_manager.shutDown();
+}
+BENCHMARK(BM_FullScreenFrame)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(3.0);
+
+}  // namespace
+
+BENCHMARK_MAIN();

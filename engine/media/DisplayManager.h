@@ -1,0 +1,93 @@
+#pragma once
+
+#include <SFML/Graphics.hpp>
+#include <memory>
+#include <string>
+
+#include "core/Color.h"
+#include "core/Manager.h"
+#include "core/Vector.h"
+
+namespace vt {
+
+enum Justification {
+  LEFT_JUSTIFIED = 0,
+  CENTER_JUSTIFIED,
+  RIGHT_JUSTIFIED,
+};
+
+class CellBatch;
+
+// Owns the game window and turns the character-cell world into pixels: every
+// character is a background-coloured cell with a glyph centred in it.
+class DisplayManager : public Manager {
+ public:
+  static DisplayManager& getInstance();
+  ~DisplayManager() override;
+
+  int startUp() override;
+  void shutDown() override;
+
+  // One character at a world position; -1 when not started or headless.
+  int drawCh(Vector world_pos, char ch, Color color);
+  int drawCh(Vector world_pos, char ch, unsigned char r, unsigned char g, unsigned char b);
+  int drawString(Vector world_pos, std::string str, Justification just, Color color);
+  // A one-pixel line between two world positions.
+  int drawLine(Vector world_p1, Vector world_p2, Color color = WHITE);
+  // Draws an SFML drawable into the window, above the characters drawn so
+  // far in this frame.
+  int drawDrawable(const sf::Drawable& drawable);
+
+  bool setBackgroundColor(Color new_color);
+  // Shows the frame drawn since the last swap and starts the next one.
+  int swapBuffers();
+  // Jitters the screen for duration steps; add lengthens and strengthens a
+  // shake under way.
+  void shake(int severity_x, int severity_y, int duration, bool add = false);
+
+  int getHorizontal() const { return window_horizontal_chars; }
+  int getVertical() const { return window_vertical_chars; }
+  int getHorizontalPixels() const { return window_horizontal_pixels; }
+  int getVerticalPixels() const { return window_vertical_pixels; }
+  sf::RenderWindow* getWindow() const { return p_window.get(); }
+
+ private:
+  DisplayManager();
+
+  int openWindow();
+  void centreWindow();
+  int loadFont();
+  // True when drawing may go ahead; logs when the manager is not started.
+  bool canDraw() const;
+  void addGlyph(sf::Uint32 code, sf::Vector2f position, sf::Color color);
+  // Draws the characters collected since the last flush.
+  void flushCells();
+
+  std::unique_ptr<sf::RenderWindow> p_window;
+  std::unique_ptr<sf::Font> p_font;
+  unsigned int char_size = 0;
+  // The characters drawn since the last flush, waiting to be drawn at once.
+  std::unique_ptr<CellBatch> p_cells;
+  sf::Color window_background_color = sf::Color::Black;
+  int window_horizontal_pixels = 0;
+  int window_vertical_pixels = 0;
+  int window_horizontal_chars = 0;
+  int window_vertical_chars = 0;
+  int shake_duration = 0;
+  int shake_severity_x = 0;
+  int shake_severity_y = 0;
+  int shake_x = 0;
+  int shake_y = 0;
+};
+
+// Cell size in pixels, from the configuration's window size.
+float charHeight();
+float charWidth();
+Vector spacesToPixels(Vector spaces);
+Vector pixelsToSpaces(Vector pixels);
+// World and view coordinates differ by the corner of the world's view.
+Vector worldToView(Vector world_pos);
+Vector viewToWorld(Vector view_pos);
+sf::Color colorToSFML(Color color);
+
+}  // namespace vt
