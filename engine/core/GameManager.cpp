@@ -12,7 +12,10 @@
 #include "core/Config.h"
 #include "core/EventStep.h"
 #include "core/LogManager.h"
+#include "extras/NetworkManager.h"
 #include "media/DisplayManager.h"
+#include "media/InputManager.h"
+#include "media/ResourceManager.h"
 #include "world/WorldManager.h"
 
 namespace vt {
@@ -106,8 +109,16 @@ int GameManager::startUp() {
 }
 
 int GameManager::startManagers() {
+  const bool networking = Config::getInstance().getNetworking();
   if (!startManager(DisplayManager::getInstance(), "Error starting display manager!",
                     "Display manager started.") ||
+      !startManager(InputManager::getInstance(), "Error starting input manager!",
+                    "Input manager started.") ||
+      (networking &&
+       !startManager(NetworkManager::getInstance(), "Error starting network manager!",
+                     "Network manager started.")) ||
+      !startManager(ResourceManager::getInstance(), "Error starting resource manager!",
+                    "Resource manager started.") ||
       !startManager(WorldManager::getInstance(), "Error starting world manager!",
                     "World manager started.")) {
     return -1;
@@ -149,6 +160,11 @@ void GameManager::shutDown() {
 
 void GameManager::stopManagers() {
   stopManager(WorldManager::getInstance(), "World manager stopped");
+  stopManager(ResourceManager::getInstance(), "Resource manager stopped");
+  if (Config::getInstance().getNetworking()) {
+    stopManager(NetworkManager::getInstance(), "Network manager stopped");
+  }
+  stopManager(InputManager::getInstance(), "Input manager stopped");
   stopManager(DisplayManager::getInstance(), "Display manager stopped");
 }
 
@@ -159,11 +175,14 @@ void GameManager::run() {
   step_count = 0;
   Clock clock;
   int adjust_time = 0;
+  const bool networking = Config::getInstance().getNetworking();
   while (!game_over) {
     clock.delta();
     const EventStep step_event(step_count);
     onEvent(&step_event);
     DisplayManager::getInstance().swapBuffers();
+    InputManager::getInstance().getInput();
+    if (networking) NetworkManager::getInstance().processFrame(clock, frame_time);
     WorldManager& world_manager = WorldManager::getInstance();
     world_manager.update();
     world_manager.draw();

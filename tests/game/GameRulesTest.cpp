@@ -1,0 +1,217 @@
+#include "Boss.h"
+#include "Bullet.h"
+#include "Drelk.h"
+#include "EnemyBullet.h"
+#include "GameFixture.h"
+#include "GameOver.h"
+#include "GameStart.h"
+#include "Hero.h"
+#include "Points.h"
+#include "Star.h"
+#include "media/EventMouse.h"
+#include "media/EventView.h"
+#include "world/EventOut.h"
+
+using vt::Vector;
+
+namespace {
+
+Points* pointsDisplay() { return static_cast<Points*>(GameFixture::firstOf("Points")); }
+
+}  // namespace
+
+TEST_F(GameFixture, TheBossComesOnceAfterTheScorePasses1000) {
+  new Hero;
+  auto* p_points = new Points;
+  // A step count that is not a multiple of 30 keeps the score still.
+  p_points->setValue(1000);
+  step();
+  EXPECT_EQ(countOf("Boss"), 0);
+  p_points->setValue(1001);
+  step();
+  EXPECT_EQ(countOf("Boss"), 1);
+  p_points->setValue(5000);
+  step(3);
+  EXPECT_EQ(countOf("Boss"), 1);
+}
+
+TEST_F(GameFixture, TheBossAbsorbs400HitsAndDiesOnThe401st) {
+  new GameStart;
+  auto* p_boss = new Boss;
+  auto* p_bullet = new Bullet(Vector(10, 10));
+  for (int hit = 0; hit < 400; hit++) collide(p_bullet, p_boss);
+  EXPECT_EQ(p_boss->getHealth(), 0);
+  EXPECT_EQ(countOf("GameOver"), 0);
+  collide(p_bullet, p_boss);
+  EXPECT_EQ(countOf("GameOver"), 1);
+  EXPECT_TRUE(static_cast<GameOver*>(firstOf("GameOver"))->getWin());
+  // A second bullet in the same step does not win twice.
+  collide(new Bullet(Vector(12, 10)), p_boss);
+  EXPECT_EQ(countOf("GameOver"), 1);
+  world().update();
+  EXPECT_EQ(countOf("Boss"), 0);
+  EXPECT_EQ(countOf("Explosion"), 1);
+}
+
+TEST_F(GameFixture, NukesDestroyEnemyBulletsOnlyAndCost200) {
+  auto* p_hero = new Hero;
+  auto* p_points = new Points;
+  p_points->setValue(150);
+  new EnemyBullet(Vector(10, 5));
+  new EnemyBullet(Vector(20, 5));
+  new Drelk;
+  press(p_hero, vt::Keyboard::SPACE);
+  world().update();
+  EXPECT_EQ(countOf("EnemyBullet"), 0);
+  EXPECT_EQ(countOf("Drelk"), 1);
+  EXPECT_EQ(p_points->getValue(), -50);
+  EXPECT_EQ(p_hero->getNukeCount(), 4);
+  for (int i = 0; i < 5; i++) press(p_hero, vt::Keyboard::SPACE);
+  EXPECT_EQ(p_hero->getNukeCount(), 0);
+  EXPECT_EQ(p_points->getValue(), -50 - 4 * 200);
+}
+
+TEST_F(GameFixture, EveryDrelkDeletionScores10AndKillsAreReplaced) {
+  new Points;
+  auto* p_drelk = new Drelk;
+  // Drelks start beyond the right edge, in the upper half.
+  EXPECT_GT(p_drelk->getPosition().getX(), 80);
+  EXPECT_GE(p_drelk->getPosition().getY(), 4);
+  EXPECT_LT(p_drelk->getPosition().getY(), 12);
+  auto* p_bullet = new Bullet(p_drelk->getPosition());
+  collide(p_bullet, p_drelk);
+  collide(new Bullet(p_drelk->getPosition()), p_drelk);
+  world().update();
+  EXPECT_EQ(countOf("Drelk"), 1);
+  EXPECT_EQ(countOf("Explosion"), 1);
+  EXPECT_EQ(countOf("Bullet"), 0);
+  EXPECT_EQ(pointsDisplay()->getValue(), 10);
+
+  // Two drelks that overlap leave each other alone.
+  vt::Object* p_survivor = firstOf("Drelk");
+  collide(p_survivor, new Drelk);
+  world().update();
+  EXPECT_EQ(countOf("Drelk"), 2);
+
+  world().markForDelete(p_survivor);
+  world().update();
+  EXPECT_EQ(pointsDisplay()->getValue(), 20);
+}
+
+TEST_F(GameFixture, DrelksReenterFromTheRight) {
+  auto* p_drelk = new Drelk;
+  const vt::EventOut out;
+  // Leaving on the right edge (entering) changes nothing.
+  const Vector start = p_drelk->getPosition();
+  p_drelk->eventHandler(&out);
+  EXPECT_EQ(p_drelk->getPosition(), start);
+  p_drelk->setPosition(Vector(-5, 6));
+  p_drelk->eventHandler(&out);
+  EXPECT_GT(p_drelk->getPosition().getX(), 80);
+  // A start column taken by another drelk moves it right until free.
+  for (int i = 0; i < 30; i++) new Drelk;
+  for (vt::Object* p_one : world().objectsOfType("Drelk")) {
+    EXPECT_TRUE(world().getCollisions(p_one, p_one->getPosition()).isEmpty());
+  }
+}
+
+TEST_F(GameFixture, GameOverClearsTheBoardAndReactivatesTheTitle) {
+  auto* p_title = new GameStart;
+  press(p_title, vt::Keyboard::P);
+  EXPECT_FALSE(p_title->isActive());
+  // The release of P reaches nobody: the title screen is inactive.
+  vt::EventKeyboard release;
+  release.setKey(vt::Keyboard::P);
+  release.setKeyboardAction(vt::KEY_RELEASED);
+  world().onEvent(&release);
+  EXPECT_EQ(countOf("Hero"), 1);
+  new EnemyBullet(Vector(3, 3));
+  new Bullet(Vector(3, 20));
+  new Boss;
+  for (int i = 0; i < 3; i++) new Star;
+  EXPECT_EQ(countOf("Drelk"), 11);
+
+  auto* p_over = new GameOver(false);
+  world().update();
+  for (const char* gone : {"Drelk", "Bullet", "ViewObject", "EnemyBullet", "Boss", "Hero"}) {
+    EXPECT_EQ(countOf(gone), 0) << gone;
+  }
+  EXPECT_EQ(countOf("Star"), 3);
+  EXPECT_EQ(countOf("Points"), 1);
+  EXPECT_EQ(countOf("GameStart"), 1);
+  // The board clearing deleted 11 drelks: 110 points.
+  EXPECT_EQ(pointsDisplay()->getValue(), 110);
+  EXPECT_FALSE(p_title->isActive());
+
+  const int time_to_live = p_over->getTimeToLive();
+  EXPECT_GT(time_to_live, 0);
+  step(time_to_live);
+  EXPECT_EQ(countOf("GameOver"), 0);
+  EXPECT_TRUE(p_title->isActive());
+
+  // A second game adds a second score display.
+  press(p_title, vt::Keyboard::P);
+  EXPECT_EQ(countOf("Points"), 2);
+}
+
+TEST_F(GameFixture, HeroMovesInsideItsBoundsAndFiresEveryFifthStep) {
+  auto* p_hero = new Hero;
+  EXPECT_EQ(p_hero->getPosition(), Vector(40, 20));
+  float lowest_x = 40;
+  for (int i = 0; i < 100; i++) {
+    press(p_hero, vt::Keyboard::A, vt::KEY_DOWN);
+    step();
+    lowest_x = std::min(lowest_x, p_hero->getPosition().getX());
+  }
+  EXPECT_EQ(lowest_x, 4);
+  for (int i = 0; i < 100; i++) {
+    press(p_hero, vt::Keyboard::W, vt::KEY_DOWN);
+    step();
+  }
+  EXPECT_EQ(p_hero->getPosition().getY(), 4);
+  // A press (not a hold) does not move.
+  press(p_hero, vt::Keyboard::D);
+  step(3);
+  EXPECT_EQ(p_hero->getPosition(), Vector(4, 4));
+
+  vt::EventMouse held;
+  held.setMouseAction(vt::PRESSED);
+  held.setMouseButton(vt::Mouse::LEFT);
+  int shots = 0;
+  for (int i = 0; i < 20; i++) {
+    p_hero->eventHandler(&held);
+    shots += countOf("Bullet");
+    world().markForDelete(world().objectsOfType("Bullet"));
+    step();
+  }
+  EXPECT_EQ(shots, 8);
+}
+
+TEST_F(GameFixture, QDuringPlayRemovesOnlyTheHero) {
+  auto* p_title = new GameStart;
+  press(p_title, vt::Keyboard::P);
+  press(firstOf("Hero"), vt::Keyboard::Q);
+  world().update();
+  EXPECT_EQ(countOf("Hero"), 0);
+  EXPECT_EQ(countOf("Drelk"), 11);
+  EXPECT_EQ(countOf("GameOver"), 0);
+  EXPECT_FALSE(p_title->isActive());
+  EXPECT_FALSE(vt::GameManager::getInstance().getGameOver());
+  // Q on the title screen ends the game.
+  p_title->setActive(true);
+  press(p_title, vt::Keyboard::Q);
+  EXPECT_TRUE(vt::GameManager::getInstance().getGameOver());
+}
+
+TEST_F(GameFixture, TouchingTheHeroLoses) {
+  auto* p_hero = new Hero;
+  auto* p_bullet = new EnemyBullet(Vector(0, 0));
+  collide(p_bullet, p_hero);
+  EXPECT_EQ(countOf("GameOver"), 1);
+  EXPECT_FALSE(static_cast<GameOver*>(firstOf("GameOver"))->getWin());
+  world().update();
+  EXPECT_EQ(countOf("Hero"), 0);
+  EXPECT_EQ(countOf("EnemyBullet"), 0);
+  // The hero went out in a burst of particles.
+  EXPECT_GT(countOf("Particle"), 0);
+}
