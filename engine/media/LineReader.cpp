@@ -1,10 +1,15 @@
 #include "media/LineReader.h"
 
+#include <exception>
+#include <filesystem>
+
 #include "core/LogManager.h"
 
 namespace vt {
 
 bool LineReader::open(const std::string& filename) {
+  std::error_code error;
+  if (std::filesystem::is_directory(filename, error)) return false;
   if (file.open(filename, std::ios::in | std::ios::binary) == nullptr) return false;
   const std::streamoff end = file.pubseekoff(0, std::ios::end, std::ios::in);
   file_size = end < 0 ? 0 : static_cast<long long>(end);
@@ -16,6 +21,7 @@ bool LineReader::open(const std::string& filename) {
 void LineReader::rewind() {
   file.pubseekpos(0, std::ios::in);
   at_end = false;
+  stopped = false;
 }
 
 std::string LineReader::getLine(bool count) {
@@ -31,24 +37,31 @@ std::string LineReader::getLine(bool count) {
 
 bool LineReader::readRawLine(std::string& line) {
   line.clear();
-  if (at_end) return false;
-  for (int c = file.sbumpc(); c != std::char_traits<char>::eof(); c = file.sbumpc()) {
-    if (c == '\n') return true;
-    if (line.size() == static_cast<std::size_t>(MAX_LINE_LENGTH)) {
-      return cutOverlongLine(line, static_cast<char>(c));
-    }
-    line.push_back(static_cast<char>(c));
+  if (at_end || stopped) return false;
+  try {
+    if (readUntilNewline(line)) return true;
+  } catch (const std::exception& failure) {
+    stopReading(failure.what());
   }
-  at_end = true;
   return !line.empty();
 }
 
-bool LineReader::cutOverlongLine(std::string& line, char next) {
-  line.push_back(next);
+bool LineReader::readUntilNewline(std::string& line) {
+  for (int c = file.sbumpc(); c != std::char_traits<char>::eof(); c = file.sbumpc()) {
+    if (c == '\n') return true;
+    line.push_back(static_cast<char>(c));
+    if (line.size() > static_cast<std::size_t>(MAX_LINE_LENGTH)) {
+      stopReading("Line longer than " + std::to_string(MAX_LINE_LENGTH) + " characters");
+      return false;
+    }
+  }
   at_end = true;
-  LogManager::getInstance().writeLog(
-      "getLine(): Error! Line longer than %d characters; reading stops there.", MAX_LINE_LENGTH);
-  return true;
+  return false;
+}
+
+void LineReader::stopReading(const std::string& reason) {
+  stopped = true;
+  LogManager::getInstance().writeLog("getLine(): Error! %s; reading stops there.", reason.c_str());
 }
 
 long long LineReader::remainingBytes() {

@@ -7,13 +7,15 @@ namespace vt {
 
 // Reads a sprite file line by line and keeps the file-wide line counter that
 // the loaders quote in their messages. Lines are bounded: a line longer than
-// MAX_LINE_LENGTH ends the reading, so no file content can exhaust memory.
+// MAX_LINE_LENGTH, like a read error, stops the reading short of the end of
+// the file, so no file content can exhaust memory or pass for a whole file.
 class LineReader {
  public:
   // Longest line kept whole.
   static const int MAX_LINE_LENGTH = 4096;
 
-  // Opens the file and resets the line counter; false when it cannot be read.
+  // Opens the file and resets the line counter; false when it cannot be
+  // opened or is a folder.
   bool open(const std::string& filename);
   // Back to the first line; the line counter is kept.
   void rewind();
@@ -22,10 +24,11 @@ class LineReader {
   // counted when count is true. At the end of the file logs the
   // unexpected end and returns an empty string.
   std::string getLine(bool count);
-  // The next line exactly as it is (carriage return kept); false when the
-  // file had nothing left to read.
+  // The next line exactly as it is (carriage return kept); false when
+  // nothing was left to read.
   bool readRawLine(std::string& line);
-  // True once a read has met the end of the file (or an overlong line).
+  // True once a read has met the end of the file; never after the reading
+  // stopped short of it.
   bool atEnd() const { return at_end; }
   // Bytes between the reading position and the end of the file.
   long long remainingBytes();
@@ -34,12 +37,15 @@ class LineReader {
   void countLine() { line_number++; }
 
  private:
-  // Keeps the first MAX_LINE_LENGTH + 1 characters, logs, and stops reading.
-  bool cutOverlongLine(std::string& line, char next);
+  // Reads up to the newline; false when the reading stops short of it.
+  bool readUntilNewline(std::string& line);
+  // Logs why and reads nothing more.
+  void stopReading(const std::string& reason);
 
   std::filebuf file;
   long long file_size = 0;
   bool at_end = false;
+  bool stopped = false;
   int line_number = 0;
 };
 
