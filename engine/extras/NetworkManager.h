@@ -42,7 +42,8 @@ class NetworkManager : public Manager {
   int accept();
   // Connects to a server, blocking: the new connection's index or -1.
   int connect(std::string host, std::string port = DEFAULT_PORT);
-  // Most connections accept() keeps; outgoing connections are not counted.
+  // Most connections accept() takes. Connections made with connect() count
+  // toward it, but connect() itself ignores it.
   void setMaxConnections(int new_max_connections);
   int getMaxConnections() const { return max_connections; }
 
