@@ -61,6 +61,30 @@ int failListening(int socket, const char* line) {
   return -1;
 }
 
+// A non-blocking socket listening on all local addresses at the port, or -1.
+int listeningSocket(const std::string& port) {
+  const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (socket < 0) {
+    logSystemError("NetworkManager::setServer(): Error! socket() returned:");
+    return -1;
+  }
+  // A restarted server may take the port while old connections linger.
+  const int reuse = 1;
+  setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof(reuse));
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_ANY);
+  address.sin_port = htons(static_cast<std::uint16_t>(std::atoi(port.c_str())));
+  if (bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) < 0) {
+    return failListening(socket, "NetworkManager::setServer(): Error! bind() returned:");
+  }
+  if (listen(socket, LISTEN_BACKLOG) < 0) {
+    return failListening(socket, "NetworkManager::setServer(): Error! listen() returned:");
+  }
+  fcntl(socket, F_SETFL, fcntl(socket, F_GETFL) | O_NONBLOCK);
+  return socket;
+}
+
 // A connected socket for the resolved address, or -1.
 int connectSocket(const addrinfo& address) {
   const int socket =
@@ -125,27 +149,9 @@ int NetworkManager::setServer(bool server, std::string port) {
     return 0;
   }
   if (is_server) return 0;
-  const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  if (socket < 0) {
-    logSystemError("NetworkManager::setServer(): Error! socket() returned:");
-    return -1;
-  }
-  // A restarted server may take the port while old connections linger.
-  const int reuse = 1;
-  setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof(reuse));
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_ANY);
-  address.sin_port = htons(static_cast<std::uint16_t>(std::atoi(port.c_str())));
-  if (bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) < 0) {
-    return failListening(socket, "NetworkManager::setServer(): Error! bind() returned:");
-  }
-  if (listen(socket, LISTEN_BACKLOG) < 0) {
-    return failListening(socket, "NetworkManager::setServer(): Error! listen() returned:");
-  }
+  listen_socket = listeningSocket(port);
+  if (listen_socket < 0) return -1;
   is_server = true;
-  listen_socket = socket;
-  fcntl(socket, F_SETFL, fcntl(socket, F_GETFL) | O_NONBLOCK);
   LogManager::getInstance().writeLog(
       1, "NetworkManager::setServer(): Ready for connections on port %s.", port.c_str());
   return 0;
@@ -353,7 +359,7 @@ int NetworkManager::refuseMessage(int sock_index, int size) {
 
 int NetworkManager::processFrame(const Clock& clock, int frame_time) {
   if (is_server) accept();
-  const long long budget = static_cast<int>(NETWORK_SHARE * frame_time * 1000.0f);
+  const auto budget = static_cast<long long>(NETWORK_SHARE * frame_time * 1000.0f);
   const long long deadline = clock.split() + budget;
   int delivered = 0;
   int pass_delivered = 0;
@@ -361,6 +367,7 @@ int NetworkManager::processFrame(const Clock& clock, int frame_time) {
     pass_delivered = dataPass();
     delivered += pass_delivered;
   } while (pass_delivered > 0 && clock.split() < deadline);
+  // A pass that still delivered only ends the repeat at the deadline.
   if (pass_delivered > 0) {
     LogManager::getInstance().writeLog("GameManager::run(): Warning! Residual network data.");
   }
