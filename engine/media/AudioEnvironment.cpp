@@ -6,6 +6,7 @@
 
 #include "core/LogManager.h"
 #include "media/LogStreamBuf.h"
+#include "media/WavReader.h"
 
 namespace vt {
 
@@ -20,6 +21,7 @@ bool isPlaybackNode(const std::string& name) {
 
 bool prepare() {
   AudioEnvironment::chooseDriver();
+  WavReader::registerFirst();
   // Never deleted: SFML may still write errors while static objects are
   // being destroyed at exit.
   static LogStreamBuf* const p_sfml_errors = new LogStreamBuf("SFML: ");

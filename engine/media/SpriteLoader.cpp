@@ -75,6 +75,19 @@ void logUnused(const std::list<std::string>& lines, const char* warning) {
   for (const std::string& line : lines) logManager().writeLog(1, "\t'%s'", line.c_str());
 }
 
+// Colours the sprite by name, "default" meaning white; false (after
+// logging) for any other name.
+bool setRobustColor(Sprite& sprite, const std::string& name) {
+  const int color = name == "default" ? WHITE : colorFromName(name);
+  if (color < 0) {
+    logManager().writeLog("RM::loadRobustSprite(): Error! Unrecognized color '%s'.", name.c_str());
+    return false;
+  }
+  sprite.setColor(static_cast<Color>(color));
+  logManager().writeLog(5, "\t       Color: %s", name.c_str());
+  return true;
+}
+
 void warnMissing(const char* tag) {
   logManager().writeLog(5, "RM::loadRobustSprite(): Warning! No '%s' in header.", tag);
 }
@@ -226,15 +239,7 @@ std::unique_ptr<Sprite> SpriteLoader::loadRobustSprite() {
   std::unique_ptr<Sprite> p_sprite =
       createSprite(header.width, header.height, header.slowdown, header.transparency, capacity,
                    "RM::loadRobustSprite(): Error! Unable to create Sprite.");
-  if (!p_sprite) return nullptr;
-  const int color = header.color == "default" ? WHITE : colorFromName(header.color);
-  if (color < 0) {
-    logManager().writeLog("RM::loadRobustSprite(): Error! Unrecognized color '%s'.",
-                          header.color.c_str());
-    return nullptr;
-  }
-  p_sprite->setColor(static_cast<Color>(color));
-  logManager().writeLog(5, "\t       Color: %s", header.color.c_str());
+  if (!p_sprite || !setRobustColor(*p_sprite, header.color)) return nullptr;
   if (!readRobustFrames(*p_sprite, body, header.frames) || !checkRobustFooter()) return nullptr;
   return p_sprite;
 }

@@ -117,6 +117,7 @@ TEST(ResourceManager, ObjectTakesSpriteAndItsBox) {
   test::ResourceEngine engine;
   ASSERT_EQ(engine.loadSpriteText("ship", ONE_FRAME), 0);
   auto* p_object = new FlagObject;
+  p_object->setPosition(vt::Vector(20, 10));
   const vt::Box default_box = p_object->getBox();
   p_object->setModified(vt::BOX, false);
   p_object->setModified(vt::ANIMATION, false);
