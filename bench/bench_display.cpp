@@ -2,6 +2,7 @@
 // iteration in a window on a private Xvfb, and the memory the loop holds.
 #include <benchmark/benchmark.h>
 
+#include <ctime>
 #include <fstream>
 #include <string>
 
@@ -20,6 +21,13 @@ double statusMegabytes(const std::string& field) {
     status.ignore(256, '\n');
   }
   return -1;
+}
+
+// CPU time of the whole process, the renderer's threads included.
+double processCpuMilliseconds() {
+  timespec now{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
 }
 
 // Every cell, its character and colour changing from frame to frame.
@@ -48,10 +56,13 @@ void BM_FullScreenFrame(benchmark::State& state) {
     return;
   }
   int frame = 0;
+  const double cpu_start = processCpuMilliseconds();
   for (auto _ : state) {
     drawScreen(display_manager, frame++);
     display_manager.swapBuffers();
   }
+  state.counters["process_cpu_ms"] =
+      benchmark::Counter((processCpuMilliseconds() - cpu_start) / frame);
   state.counters["cells"] = display_manager.getHorizontal() * display_manager.getVertical();
   state.counters["VmRSS_MB"] = statusMegabytes("VmRSS");
   state.counters["VmHWM_MB"] = statusMegabytes("VmHWM");
