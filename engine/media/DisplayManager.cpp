@@ -7,6 +7,7 @@
 
 #include "core/Config.h"
 #include "core/LogManager.h"
+#include "media/LogStreamBuf.h"
 #include "world/WorldManager.h"
 
 // Last: Xlib defines macros (None, Status, Bool) that clash with other headers.
@@ -99,13 +100,16 @@ int clampedIndex(float position, float bucket_size, int count) {
 // batch's glyphs (right after a clear), a background changes pixels only
 // where earlier glyphs reach into its cell, so only those overlaps are drawn:
 // the picture is the same with far fewer pixels filled. Glyphs are found
-// through a grid of cell-sized buckets.
+// through a grid of cell-sized buckets. Quads that reach no pixel of the
+// window are left out.
 class CellBatch {
  public:
   CellBatch(sf::Vector2f cell_size, int columns, int rows)
       : cell_size(cell_size),
         columns(std::max(columns, 1)),
         rows(std::max(rows, 1)),
+        window({0.0f, 0.0f, cell_size.x * static_cast<float>(this->columns),
+                cell_size.y * static_cast<float>(this->rows)}),
         buckets(static_cast<std::size_t>(this->columns * this->rows)) {
     vertices.reserve(buckets.size() * VERTICES_PER_CELL);
   }
@@ -115,19 +119,16 @@ class CellBatch {
   void setPlainBackground(bool plain) { plain_background = plain; }
 
   void addBackground(const Edges& cell, sf::Color color) {
-    if (!plain_background) return addQuad(cell, WHITE_TEXEL, color);
-    stamp++;
-    forEachBucket(cell, [&](const std::vector<std::size_t>& bucket) {
-      for (std::size_t index : bucket) {
-        if (glyph_stamps[index] == stamp) continue;
-        glyph_stamps[index] = stamp;
-        const Edges overlap = cell.intersection(glyph_edges[index]);
-        if (!overlap.isEmpty()) addQuad(overlap, WHITE_TEXEL, color);
-      }
-    });
+    if (isOffScreen(cell)) return;
+    if (plain_background) {
+      addOverlaps(cell, color);
+    } else {
+      addQuad(cell, WHITE_TEXEL, color);
+    }
   }
 
   void addGlyph(const Edges& quad, const Edges& tex, sf::Color color) {
+    if (isOffScreen(quad)) return;
     addQuad(quad, tex, color);
     const std::size_t index = glyph_edges.size();
     glyph_edges.push_back(quad);
@@ -146,11 +147,28 @@ class CellBatch {
     vertices.clear();
     glyph_edges.clear();
     glyph_stamps.clear();
+    stamp = 0;
     for (std::vector<std::size_t>& bucket : buckets) bucket.clear();
     plain_background = false;
   }
 
  private:
+  // Nothing of it would reach a pixel of the window.
+  bool isOffScreen(const Edges& rect) const { return window.intersection(rect).isEmpty(); }
+
+  // The parts of the cell that earlier glyphs cover, each glyph once.
+  void addOverlaps(const Edges& cell, sf::Color color) {
+    stamp++;
+    forEachBucket(cell, [&](const std::vector<std::size_t>& bucket) {
+      for (std::size_t index : bucket) {
+        if (glyph_stamps[index] == stamp) continue;
+        glyph_stamps[index] = stamp;
+        const Edges overlap = cell.intersection(glyph_edges[index]);
+        if (!overlap.isEmpty()) addQuad(overlap, WHITE_TEXEL, color);
+      }
+    });
+  }
+
   // Two triangles, in the order sf::Text builds a glyph.
   void addQuad(const Edges& quad, const Edges& tex, sf::Color color) {
     const sf::Vertex top_left({quad.left, quad.top}, color, {tex.left, tex.top});
@@ -179,6 +197,7 @@ class CellBatch {
   sf::Vector2f cell_size;
   int columns;
   int rows;
+  Edges window;
   std::vector<sf::Vertex> vertices;
   std::vector<Edges> glyph_edges;
   // The last background query that met each glyph, so that it meets it once.
@@ -229,6 +248,7 @@ int DisplayManager::startUp() {
 
 int DisplayManager::openWindow() {
   const LogManager& log_manager = LogManager::getInstance();
+  LogStreamBuf::captureSfmlErrors();
   const DisplayProbe probe;
   if (!probe.isOpen()) {
     const char* p_name = std::getenv("DISPLAY");
