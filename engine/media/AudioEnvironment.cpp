@@ -1,6 +1,5 @@
 #include "media/AudioEnvironment.h"
 
-#include <SFML/System/Err.hpp>
 #include <cstdlib>
 #include <filesystem>
 
@@ -22,10 +21,7 @@ bool isPlaybackNode(const std::string& name) {
 bool prepare() {
   AudioEnvironment::chooseDriver();
   WavReader::registerFirst();
-  // Never deleted: SFML may still write errors while static objects are
-  // being destroyed at exit.
-  static LogStreamBuf* const p_sfml_errors = new LogStreamBuf("SFML: ");
-  sf::err().rdbuf(p_sfml_errors);
+  LogStreamBuf::captureSfmlErrors();
   return true;
 }
 

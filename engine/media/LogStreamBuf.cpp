@@ -1,5 +1,7 @@
 #include "media/LogStreamBuf.h"
 
+#include <SFML/System/Err.hpp>
+
 #include "core/LogManager.h"
 
 namespace vt {
@@ -13,6 +15,13 @@ LogStreamBuf::int_type LogStreamBuf::overflow(int_type ch) {
   LogManager::getInstance().writeLog("%s%s", prefix.c_str(), line.c_str());
   line.clear();
   return ch;
+}
+
+void LogStreamBuf::captureSfmlErrors() {
+  // Never deleted: SFML may still write errors while static objects are
+  // being destroyed at exit.
+  static LogStreamBuf* const p_sfml_errors = new LogStreamBuf("SFML: ");
+  sf::err().rdbuf(p_sfml_errors);
 }
 
 }  // namespace vt

@@ -11,6 +11,9 @@ class LogStreamBuf : public std::streambuf {
  public:
   explicit LogStreamBuf(std::string init_prefix) : prefix(std::move(init_prefix)) {}
 
+  // Sends SFML's error stream to the log from now on; safe to call often.
+  static void captureSfmlErrors();
+
  protected:
   int_type overflow(int_type ch) override;
 

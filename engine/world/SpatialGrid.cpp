@@ -46,7 +46,8 @@ SpatialGrid::CellRange SpatialGrid::cellsOf(const Box& box) {
 }
 
 std::int64_t SpatialGrid::cellKey(std::int32_t x, std::int32_t y) {
-  return (static_cast<std::int64_t>(x) << 32) ^ static_cast<std::uint32_t>(y);
+  const std::uint64_t high = static_cast<std::uint64_t>(static_cast<std::uint32_t>(x)) << 32;
+  return static_cast<std::int64_t>(high | static_cast<std::uint32_t>(y));
 }
 
 void SpatialGrid::link(Object* p_object, const CellRange& range) {

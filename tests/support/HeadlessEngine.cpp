@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -37,6 +38,8 @@ HeadlessEngine::HeadlessEngine() : directory(makeTempDir()) {
 HeadlessEngine::~HeadlessEngine() {
   vt::WorldManager::getInstance().shutDown();
   vt::LogManager::getInstance().shutDown();
+  std::error_code ignored;
+  std::filesystem::remove_all(directory, ignored);
 }
 
 std::string HeadlessEngine::logPath() const { return directory + "/vantor.log"; }
