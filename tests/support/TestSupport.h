@@ -34,8 +34,10 @@ class XvfbServer {
 };
 
 // The X server of this test process, 1280x1024, started on first use and
-// stopped at exit, after SFML's own exit-time clean-up. Call it before
-// creating any SFML window.
+// stopped at exit, after SFML's own exit-time clean-up. It also keeps the GL
+// driver loaded until exit, so that a sanitizer build's leak report can name
+// (and suppress) the driver's allocations. Call it before creating any SFML
+// window.
 const XvfbServer& processXvfb();
 
 // Points the configuration at the test font, a headless flag and a log file
