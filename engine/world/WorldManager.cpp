@@ -54,9 +54,16 @@ int WorldManager::startUp() {
 }
 
 void WorldManager::shutDown() {
+  // Destructors may create objects (a burst of particles, say): those are
+  // deleted in the next round. The rounds are bounded in case a destructor
+  // keeps creating.
+  const int MAX_ROUNDS = 10;
+  for (int round = 0; round < MAX_ROUNDS; round++) {
+    const ObjectList everything = getAllObjects(true);
+    if (everything.isEmpty()) break;
+    for (Object* p_object : everything) delete p_object;
+  }
   Manager::shutDown();
-  const ObjectList everything = getAllObjects(true);
-  for (Object* p_object : everything) delete p_object;
   deletions.clear();
   p_view_following = nullptr;
   scene_graph.shutDown();
