@@ -44,8 +44,12 @@ void runWorld(benchmark::State& state, vt::Solidness solidness) {
   state.SetComplexityN(count);
 }
 
-void BM_WorldUpdateSolid(benchmark::State& state) { runWorld(state, vt::HARD); }
-void BM_WorldUpdateSpectral(benchmark::State& state) { runWorld(state, vt::SPECTRAL); }
+void BM_WorldUpdateSolid(benchmark::State& state) {
+  runWorld(state, vt::HARD);
+}
+void BM_WorldUpdateSpectral(benchmark::State& state) {
+  runWorld(state, vt::SPECTRAL);
+}
 
 }  // namespace
 

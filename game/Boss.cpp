@@ -12,7 +12,9 @@
 namespace {
 
 // A fresh random number in [0, 1].
-double draw() { return std::rand() / 32767.0; }
+double draw() {
+  return std::rand() / 32767.0;
+}
 
 void launch(vt::Vector position, float offset, vt::Vector velocity) {
   auto* p_bullet = new EnemyBullet(position + vt::Vector(offset, 0));

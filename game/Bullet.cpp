@@ -24,7 +24,9 @@ int Bullet::eventHandler(const vt::Event* p_event) {
   return 0;
 }
 
-void Bullet::out() { vt::WorldManager::getInstance().markForDelete(this); }
+void Bullet::out() {
+  vt::WorldManager::getInstance().markForDelete(this);
+}
 
 void Bullet::hit(const vt::EventCollision* p_collision) {
   for (const char* enemy : {"Drelk", "Boss"}) {

@@ -29,7 +29,9 @@ int EnemyBullet::eventHandler(const vt::Event* p_event) {
   return 0;
 }
 
-void EnemyBullet::out() { vt::WorldManager::getInstance().markForDelete(this); }
+void EnemyBullet::out() {
+  vt::WorldManager::getInstance().markForDelete(this);
+}
 
 void EnemyBullet::hit(const vt::EventCollision* p_collision) {
   if (involves(p_collision, "Hero")) defeatHero(p_collision);

@@ -53,4 +53,6 @@ int GameOver::eventHandler(const vt::Event* p_event) {
   return 1;
 }
 
-int GameOver::draw() { return Object::draw(); }
+int GameOver::draw() {
+  return Object::draw();
+}

@@ -25,7 +25,9 @@ int GameStart::eventHandler(const vt::Event* p_event) {
   return 1;
 }
 
-int GameStart::draw() { return Object::draw(); }
+int GameStart::draw() {
+  return Object::draw();
+}
 
 void GameStart::start() {
   new Hero;

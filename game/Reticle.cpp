@@ -21,4 +21,6 @@ int Reticle::eventHandler(const vt::Event* p_event) {
   return 1;
 }
 
-int Reticle::draw() { return vt::DisplayManager::getInstance().drawCh(getPosition(), '+', vt::RED); }
+int Reticle::draw() {
+  return vt::DisplayManager::getInstance().drawCh(getPosition(), '+', vt::RED);
+}

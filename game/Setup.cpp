@@ -10,28 +10,22 @@ void loadResources() {
   static const struct {
     const char* label;
     const char* file;
-  } SPRITES[] = {{"sans", "sprites/sans-spr.txt"},
-                 {"boss", "sprites/boss-spr.txt"},
-                 {"drelk", "sprites/drelk-spr.txt"},
-                 {"ship", "sprites/player-spr.txt"},
-                 {"bullet", "sprites/bullet-spr.txt"},
-                 {"enemy-bullet", "sprites/bullet-enemy.txt"},
-                 {"explosion", "sprites/explosion-spr.txt"},
-                 {"gamestart", "sprites/gamestart-spr.txt"},
-                 {"gameover", "sprites/gameover-spr.txt"},
-                 {"win", "sprites/win-spr.txt"}},
+  } SPRITES[] =
+      {{"sans", "sprites/sans-spr.txt"},           {"boss", "sprites/boss-spr.txt"},
+       {"drelk", "sprites/drelk-spr.txt"},         {"ship", "sprites/player-spr.txt"},
+       {"bullet", "sprites/bullet-spr.txt"},       {"enemy-bullet", "sprites/bullet-enemy.txt"},
+       {"explosion", "sprites/explosion-spr.txt"}, {"gamestart", "sprites/gamestart-spr.txt"},
+       {"gameover", "sprites/gameover-spr.txt"},   {"win", "sprites/win-spr.txt"}},
     SOUNDS[] = {{"fire", "sounds/fire.wav"},
                 {"explode", "sounds/explode.wav"},
                 {"nuke", "sounds/nuke.wav"},
                 {"game over", "sounds/game-over.wav"},
                 {"enemydead", "sounds/enemy-dead.wav"},
                 {"enemyhit", "sounds/enemy-hit.wav"}},
-    MUSICS[] = {{"GameDead", "sounds/GameDead.wav"},
-                {"start music", "sounds/start-music.wav"},
-                {"gameplay", "sounds/gameplay.wav"},
-                {"InGameBGM", "sounds/InGameBGM.wav"},
-                {"VictoryBGM", "sounds/VictoryBGM.wav"},
-                {"Boss1BattleBGM", "sounds/Boss1BattleBGM.wav"}};
+    MUSICS[] = {
+        {"GameDead", "sounds/GameDead.wav"},     {"start music", "sounds/start-music.wav"},
+        {"gameplay", "sounds/gameplay.wav"},     {"InGameBGM", "sounds/InGameBGM.wav"},
+        {"VictoryBGM", "sounds/VictoryBGM.wav"}, {"Boss1BattleBGM", "sounds/Boss1BattleBGM.wav"}};
   for (const auto& sprite : SPRITES) resource_manager.loadSprite(sprite.file, sprite.label);
   for (const auto& sound : SOUNDS) resource_manager.loadSound(sound.file, sound.label);
   for (const auto& music : MUSICS) resource_manager.loadMusic(music.file, music.label);

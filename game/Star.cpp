@@ -26,7 +26,9 @@ Star::Star() {
   setPosition(vt::Vector(static_cast<float>(x), static_cast<float>(y)));
 }
 
-int Star::draw() { return vt::DisplayManager::getInstance().drawCh(getPosition(), '.', vt::WHITE); }
+int Star::draw() {
+  return vt::DisplayManager::getInstance().drawCh(getPosition(), '.', vt::WHITE);
+}
 
 int Star::eventHandler(const vt::Event* p_event) {
   if (p_event->getType() != vt::OUT_EVENT) return 0;

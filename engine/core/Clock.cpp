@@ -21,6 +21,8 @@ std::uint32_t Clock::delta() {
   return elapsed;
 }
 
-std::uint32_t Clock::split() const { return now() - previous_time; }
+std::uint32_t Clock::split() const {
+  return now() - previous_time;
+}
 
 }  // namespace vt

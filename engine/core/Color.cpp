@@ -12,12 +12,13 @@ struct ColorEntry {
 };
 
 const ColorEntry COLOR_TABLE[] = {
-    {"Black", 0, 0, 0},     {"Red", 255, 0, 0},       {"Green", 0, 255, 0},
-    {"Yellow", 255, 255, 0}, {"Blue", 0, 0, 255},      {"Magenta", 255, 0, 255},
-    {"Cyan", 0, 255, 255},  {"White", 255, 255, 255},
+    {"Black", 0, 0, 0},  {"Red", 255, 0, 0},       {"Green", 0, 255, 0},  {"Yellow", 255, 255, 0},
+    {"Blue", 0, 0, 255}, {"Magenta", 255, 0, 255}, {"Cyan", 0, 255, 255}, {"White", 255, 255, 255},
 };
 
-bool isNamedColor(Color color) { return color >= BLACK && color <= WHITE; }
+bool isNamedColor(Color color) {
+  return color >= BLACK && color <= WHITE;
+}
 
 }  // namespace
 

@@ -28,7 +28,9 @@ void readBool(const Config& config, const char* key, bool& field) {
   if (!value.empty()) field = (value == "true");
 }
 
-const char* boolText(bool value) { return value ? "true" : "false"; }
+const char* boolText(bool value) {
+  return value ? "true" : "false";
+}
 
 }  // namespace
 

@@ -8,7 +8,9 @@
 
 namespace vt {
 
-LogManager::LogManager() { setType("LogManager"); }
+LogManager::LogManager() {
+  setType("LogManager");
+}
 
 LogManager::~LogManager() {
   if (p_file != nullptr) std::fclose(p_file);
@@ -88,8 +90,8 @@ FILE* LogManager::streamFor(const std::string& file_name) {
   if (file_name == Config::getInstance().getLogFile()) return p_file;
   const auto found = extra_files.find(file_name);
   if (found != extra_files.end()) return found->second;
-  // The announcement is an unused argument: the line reads only the name of
-  // the operation.
+    // The announcement is an unused argument: the line reads only the name of
+    // the operation.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-extra-args"
   writeLog(5, "LogManager::writeMyLog()", "File %s is new.");

@@ -5,7 +5,9 @@
 
 namespace vt {
 
-bool Manager::isValid(std::string) const { return false; }
+bool Manager::isValid(std::string) const {
+  return false;
+}
 
 int Manager::startUp() {
   if (is_started) {
@@ -73,8 +75,9 @@ int Manager::unregisterInterest(Object* p_object, std::string event_type) {
 int Manager::onEvent(const Event* p_event) const {
   const std::string event_type = p_event->getType();
   if (event_type == UNDEFINED_EVENT) {
-    LogManager::getInstance().writeLog(1, "Manager(%s)::onEvent(): Warning! Event type %s is undefined.",
-                                       type.c_str(), event_type.c_str());
+    LogManager::getInstance().writeLog(
+        1, "Manager(%s)::onEvent(): Warning! Event type %s is undefined.", type.c_str(),
+        event_type.c_str());
     return 0;
   }
   if (!isValid(event_type)) {

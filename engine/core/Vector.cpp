@@ -31,6 +31,8 @@ Vector& Vector::operator+=(const Vector& other) {
   return *this;
 }
 
-std::string Vector::toString() const { return "(" + vt::toString(x) + "," + vt::toString(y) + ")"; }
+std::string Vector::toString() const {
+  return "(" + vt::toString(x) + "," + vt::toString(y) + ")";
+}
 
 }  // namespace vt

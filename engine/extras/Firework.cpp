@@ -30,6 +30,8 @@ int Firework::eventHandler(const Event* p_event) {
   return 1;
 }
 
-int Firework::draw() { return DisplayManager::getInstance().drawCh(getPosition(), '^', color); }
+int Firework::draw() {
+  return DisplayManager::getInstance().drawCh(getPosition(), '^', color);
+}
 
 }  // namespace vt

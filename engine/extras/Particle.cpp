@@ -48,7 +48,8 @@ void Particle::fadedColor(Color color, int age, int lifetime, unsigned char& r, 
   const float clamped = t < 0 ? 0 : (t > 1 ? 1 : t);
   unsigned char* channels[3] = {&r, &g, &b};
   for (int i = 0; i < 3; i++) {
-    const float value = static_cast<float>(from[i]) + (static_cast<float>(to[i]) - from[i]) * clamped;
+    const float value =
+        static_cast<float>(from[i]) + (static_cast<float>(to[i]) - from[i]) * clamped;
     *channels[i] = static_cast<unsigned char>(value + 0.5f);
   }
 }

@@ -10,8 +10,7 @@ namespace vt {
 // removes itself when its life is over or it leaves the world.
 class Particle : public Object {
  public:
-  Particle(Vector position, Vector velocity, char init_symbol, Color init_color,
-           int init_lifetime);
+  Particle(Vector position, Vector velocity, char init_symbol, Color init_color, int init_lifetime);
 
   // Each step the velocity is multiplied by drag, then gravity is added.
   void setDrag(float new_drag) { drag = new_drag; }

@@ -12,9 +12,13 @@ namespace vt {
 
 namespace {
 
-float randomUnit() { return static_cast<float>(std::rand()) / static_cast<float>(RAND_MAX); }
+float randomUnit() {
+  return static_cast<float>(std::rand()) / static_cast<float>(RAND_MAX);
+}
 
-int randomBetween(int low, int high) { return low + std::rand() % (high - low + 1); }
+int randomBetween(int low, int high) {
+  return low + std::rand() % (high - low + 1);
+}
 
 char randomSymbol(const char* symbols) {
   const auto count = static_cast<int>(std::char_traits<char>::length(symbols));

@@ -21,8 +21,7 @@ int splash() {
   log_manager.writeLog(10, "splash(): Started.");
   GameManager& game_manager = GameManager::getInstance();
   if (!game_manager.isStarted()) {
-    log_manager.writeLog(
-        "splash(): Error! Cannot run splash screen until game manger is started.");
+    log_manager.writeLog("splash(): Error! Cannot run splash screen until game manger is started.");
     return -1;
   }
   new Splash;

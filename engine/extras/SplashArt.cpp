@@ -46,34 +46,19 @@ std::unique_ptr<Sprite> makeBannerSprite() {
 
 std::unique_ptr<Sprite> makeEmblemSprite() {
   const std::vector<std::string> wings_up = {
-      "##   _   ##",
-      "###=(@)=###",
-      " ##==|==## ",
-      "  #=|||=#  ",
-      "    |||    ",
-      "    \\|/    ",
-      "     '     ",
+      "##   _   ##", "###=(@)=###",  " ##==|==## ", "  #=|||=#  ",
+      "    |||    ", "    \\|/    ", "     '     ",
   };
   const std::vector<std::string> wings_down = {
-      "     _     ",
-      "   =(@)=   ",
-      " ##==|==## ",
-      "###=|||=###",
-      "##  |||  ##",
-      "    \\|/    ",
-      "     '     ",
+      "     _     ", "   =(@)=   ",  " ##==|==## ", "###=|||=###",
+      "##  |||  ##", "    \\|/    ", "     '     ",
   };
   return makeSprite("splash-vantor", BLUE, 2, {wings_up, wings_down});
 }
 
 std::unique_ptr<Sprite> makeSecondEmblemSprite() {
   const std::vector<std::string> badge = {
-      "  .---.  ",
-      " / (@) \\ ",
-      "|  \\|/  |",
-      "| VANTOR|",
-      " \\ === / ",
-      "  `---'  ",
+      "  .---.  ", " / (@) \\ ", "|  \\|/  |", "| VANTOR|", " \\ === / ", "  `---'  ",
   };
   return makeSprite("splash-vantor", GREEN, 1, {badge});
 }

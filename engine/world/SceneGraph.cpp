@@ -8,11 +8,15 @@ namespace vt {
 
 namespace {
 
-bool altitudeInRange(int altitude) { return altitude >= MIN_ALTITUDE && altitude <= MAX_ALTITUDE; }
+bool altitudeInRange(int altitude) {
+  return altitude >= MIN_ALTITUDE && altitude <= MAX_ALTITUDE;
+}
 
 // During shutdown objects are torn down in an order in which list failures
 // are expected, so they are not reported then.
-bool failed(int result) { return result != 0 && !GameManager::getInstance().getGameOver(); }
+bool failed(int result) {
+  return result != 0 && !GameManager::getInstance().getGameOver();
+}
 
 // Logs the message with the object's type; returns -1.
 int reportFailure(const char* format, const Object* p_object) {
@@ -22,7 +26,9 @@ int reportFailure(const char* format, const Object* p_object) {
 
 }  // namespace
 
-int SceneGraph::startUp() { return 0; }
+int SceneGraph::startUp() {
+  return 0;
+}
 
 void SceneGraph::shutDown() {
   objects.clear();
@@ -37,8 +43,9 @@ int SceneGraph::insertObject(Object* p_object) {
   const LogManager& log_manager = LogManager::getInstance();
   if (!p_object->isActive()) return inactive_objects.insert(p_object);
   if (objects.insert(p_object) != 0) {
-    log_manager.writeLog("SceneGraph::insertObject(): Error! unable to insert active Object (id %d)",
-                         p_object->getId());
+    log_manager.writeLog(
+        "SceneGraph::insertObject(): Error! unable to insert active Object (id %d)",
+        p_object->getId());
     return -1;
   }
   if (type_map[p_object->getType()].insert(p_object) != 0) {
@@ -81,7 +88,8 @@ int SceneGraph::removeObject(Object* p_object) {
   const auto type_entry = type_map.find(p_object->getType());
   if (type_entry != type_map.end()) type_entry->second.remove(p_object);
   const int altitude = p_object->getAltitude();
-  if (p_object->isVisible() && altitudeInRange(altitude)) visible_objects[altitude].remove(p_object);
+  if (p_object->isVisible() && altitudeInRange(altitude))
+    visible_objects[altitude].remove(p_object);
   if (p_object->isSolid()) removeSolid(p_object);
   return 0;
 }
@@ -106,8 +114,9 @@ int SceneGraph::updateAltitude(Object* p_object, int new_altitude) {
   if (!p_object->isActive()) return 0;
   const int old_altitude = p_object->getAltitude();
   if (!altitudeInRange(new_altitude)) {
-    log_manager.writeLog("SceneGraph::updateAltitude(): New altitude %d not in [%d,%d]!  No update.",
-                         new_altitude, MIN_ALTITUDE, MAX_ALTITUDE);
+    log_manager.writeLog(
+        "SceneGraph::updateAltitude(): New altitude %d not in [%d,%d]!  No update.", new_altitude,
+        MIN_ALTITUDE, MAX_ALTITUDE);
     return -1;
   }
   if (!altitudeInRange(old_altitude)) {
@@ -181,14 +190,13 @@ int SceneGraph::activate(Object* p_object) {
     return reportFailure(
         "SceneGraph::updateActive(): Error! insert Object (%s) failed for type map!", p_object);
   }
-  if (p_object->isVisible() &&
-      failed(visible_objects[p_object->getAltitude()].insert(p_object))) {
+  if (p_object->isVisible() && failed(visible_objects[p_object->getAltitude()].insert(p_object))) {
     return reportFailure(
         "SceneGraph::updateActive(): insert Object (%s) failed for visible_objects!", p_object);
   }
   if (p_object->isSolid() && failed(addSolid(p_object))) {
-    return reportFailure(
-        "SceneGraph::updateActive(): insert object (%s) failed for solid_objects!", p_object);
+    return reportFailure("SceneGraph::updateActive(): insert object (%s) failed for solid_objects!",
+                         p_object);
   }
   if (failed(inactive_objects.remove(p_object))) {
     return reportFailure(
@@ -203,15 +211,14 @@ int SceneGraph::deactivate(Object* p_object) {
                          p_object);
   }
   type_map[p_object->getType()].remove(p_object);
-  if (p_object->isVisible() &&
-      failed(visible_objects[p_object->getAltitude()].remove(p_object))) {
+  if (p_object->isVisible() && failed(visible_objects[p_object->getAltitude()].remove(p_object))) {
     return reportFailure(
         "SceneGraph::updateActive(): remove visible object (%s) failed for visible_objects!",
         p_object);
   }
   if (p_object->isSolid() && failed(removeSolid(p_object))) {
-    return reportFailure(
-        "SceneGraph::updateActive(): remove object (%s) failed for solid_objects!", p_object);
+    return reportFailure("SceneGraph::updateActive(): remove object (%s) failed for solid_objects!",
+                         p_object);
   }
   if (failed(inactive_objects.insert(p_object))) {
     return reportFailure(

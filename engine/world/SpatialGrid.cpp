@@ -16,7 +16,9 @@ const float GRID_CELL = 8.0f;
 const std::int32_t MAX_SPAN = 16;
 const float COORDINATE_LIMIT = 1.0e6f;
 
-bool usable(float value) { return std::isfinite(value) && std::fabs(value) < COORDINATE_LIMIT; }
+bool usable(float value) {
+  return std::isfinite(value) && std::fabs(value) < COORDINATE_LIMIT;
+}
 
 void eraseFrom(std::vector<Object*>& bucket, Object* p_object) {
   const auto found = std::find(bucket.begin(), bucket.end(), p_object);

@@ -10,7 +10,9 @@
 
 namespace vt {
 
-WorldManager::WorldManager() { setType("WorldManager"); }
+WorldManager::WorldManager() {
+  setType("WorldManager");
+}
 
 WorldManager& WorldManager::getInstance() {
   static WorldManager world_manager;
@@ -236,7 +238,8 @@ void WorldManager::setViewPosition(Vector where) {
   }
   if (x < 0) x = 0;
   float y = where.getY() - view.getVertical() / 2;
-  if (y + view.getVertical() > boundary.getVertical()) y = boundary.getVertical() - view.getVertical();
+  if (y + view.getVertical() > boundary.getVertical())
+    y = boundary.getVertical() - view.getVertical();
   if (y < 0) y = 0;
   view.setCorner(Vector(x, y));
 }
@@ -278,7 +281,8 @@ ObjectList WorldManager::objectsAtPosition(Vector where) const {
 }
 
 ObjectList WorldManager::objectsInBox(Box box) const {
-  return activeObjectsWhere([&box](const Box& object_box) { return boxIntersectsBox(object_box, box); });
+  return activeObjectsWhere(
+      [&box](const Box& object_box) { return boxIntersectsBox(object_box, box); });
 }
 
 ObjectList WorldManager::objectsInCircle(Circle circle) const {

@@ -16,7 +16,9 @@ using vt::Vector;
 
 namespace {
 
-Points* pointsDisplay() { return static_cast<Points*>(GameFixture::firstOf("Points")); }
+Points* pointsDisplay() {
+  return static_cast<Points*>(GameFixture::firstOf("Points"));
+}
 
 }  // namespace
 

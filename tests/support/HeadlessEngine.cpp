@@ -42,7 +42,9 @@ HeadlessEngine::~HeadlessEngine() {
   std::filesystem::remove_all(directory, ignored);
 }
 
-std::string HeadlessEngine::logPath() const { return directory + "/vantor.log"; }
+std::string HeadlessEngine::logPath() const {
+  return directory + "/vantor.log";
+}
 
 std::string HeadlessEngine::logText() const {
   std::fflush(nullptr);

@@ -7,7 +7,9 @@
 
 namespace {
 
-vt::SceneGraph& graph() { return vt::WorldManager::getInstance().getSceneGraph(); }
+vt::SceneGraph& graph() {
+  return vt::WorldManager::getInstance().getSceneGraph();
+}
 
 }  // namespace
 

@@ -71,8 +71,7 @@ TEST(SpatialGrid, AgreesWithABruteForceWalk) {
       }
     }
     const vt::ObjectList found = grid.query(query, p_ignore);
-    ASSERT_EQ(std::vector<vt::Object*>(found.begin(), found.end()), expected)
-        << "round " << round;
+    ASSERT_EQ(std::vector<vt::Object*>(found.begin(), found.end()), expected) << "round " << round;
   }
 }
 

@@ -14,7 +14,9 @@ using vt::WorldManager;
 
 namespace {
 
-WorldManager& world() { return WorldManager::getInstance(); }
+WorldManager& world() {
+  return WorldManager::getInstance();
+}
 
 RecordingObject* makeObject(Vector position, vt::Solidness solidness, Vector velocity = Vector()) {
   auto* p_object = new RecordingObject;

@@ -1,0 +1,351 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <queue>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "core/LogManager.h"
+#include "support/HeadlessEngine.h"
+#include "world/EventPath.h"
+#include "world/PathFind.h"
+#include "world/PathManager.h"
+#include "world/WorldManager.h"
+
+using vt::Vector;
+
+namespace {
+
+using Cell = std::pair<int, int>;
+
+vt::PathManager& paths() {
+  return vt::PathManager::getInstance();
+}
+
+// An object that notes the status of every "vt-path" event it gets and then
+// lets Object handle it.
+class Seeker : public vt::Object {
+ public:
+  explicit Seeker(Vector position) { setPosition(position); }
+
+  int eventHandler(const vt::Event* p_event) override {
+    if (p_event->getType() == vt::PATH_EVENT) {
+      statuses.push_back(static_cast<const vt::EventPath*>(p_event)->getStatus());
+    }
+    return Object::eventHandler(p_event);
+  }
+
+  std::vector<int> statuses;
+};
+
+vt::Object* makeWall(Cell cell) {
+  auto* p_wall = new vt::Object;
+  p_wall->setPosition(Vector(static_cast<float>(cell.first), static_cast<float>(cell.second)));
+  return p_wall;
+}
+
+// A headless world of the given size with the path manager running.
+class PathFindTest : public testing::Test {
+ protected:
+  void SetUp() override { startWorld(40, 20); }
+  void TearDown() override { paths().shutDown(); }
+
+  void startWorld(int width, int height) {
+    vt::WorldManager::getInstance().setBoundary(
+        vt::Box(Vector(0, 0), static_cast<float>(width), static_cast<float>(height)));
+    if (!paths().isStarted()) ASSERT_EQ(paths().startUp(), 0);
+  }
+
+  // Runs the searches to their end within one generous frame.
+  static void finishSearches() {
+    paths().setMinTime(10000);
+    paths().cycle(0);
+    paths().setMinTime(0);
+  }
+
+  std::unique_ptr<test::HeadlessEngine> engine = std::make_unique<test::HeadlessEngine>();
+};
+
+// The cost of a cheapest path by Dijkstra's algorithm over the same moves:
+// orthogonal steps cost 1, diagonal ones the square root of 2 and need one of
+// the two cells beside them free. Infinity when there is none.
+float cheapestCost(int width, int height, const std::set<Cell>& walls, Cell from, Cell to) {
+  const auto free = [&](int x, int y) {
+    return x >= 0 && x < width && y >= 0 && y < height && walls.count({x, y}) == 0;
+  };
+  const float infinity = std::numeric_limits<float>::infinity();
+  std::vector<float> cost(static_cast<std::size_t>(width * height), infinity);
+  using Item = std::pair<float, Cell>;
+  std::priority_queue<Item, std::vector<Item>, std::greater<Item>> queue;
+  cost[from.second * width + from.first] = 0;
+  queue.push({0.0f, from});
+  while (!queue.empty()) {
+    const auto [c, cell] = queue.top();
+    queue.pop();
+    if (c > cost[cell.second * width + cell.first]) continue;
+    for (int dy = -1; dy <= 1; dy++) {
+      for (int dx = -1; dx <= 1; dx++) {
+        const int x = cell.first + dx;
+        const int y = cell.second + dy;
+        if ((dx == 0 && dy == 0) || !free(x, y)) continue;
+        if (dx != 0 && dy != 0 && !free(x, cell.second) && !free(cell.first, y)) continue;
+        const float next = c + (dx != 0 && dy != 0 ? std::sqrt(2.0f) : 1.0f);
+        if (next < cost[y * width + x]) {
+          cost[y * width + x] = next;
+          queue.push({next, {x, y}});
+        }
+      }
+    }
+  }
+  return cost[to.second * width + to.first];
+}
+
+float pathCost(const std::list<Vector>& path) {
+  float cost = 0;
+  for (auto it = path.begin(); std::next(it) != path.end(); ++it) {
+    cost += (*std::next(it) - *it).getMagnitude();
+  }
+  return cost;
+}
+
+}  // namespace
+
+TEST_F(PathFindTest, PathsAreCheapestAndEndWithoutAPathWhenThereIsNone) {
+  const int width = 30;
+  const int height = 15;
+  const Cell start{1, 7};
+  const Cell goal{28, 7};
+  int found = 0;
+  int unreachable = 0;
+  for (int layout = 0; layout < 40; layout++) {
+    engine.reset();
+    engine = std::make_unique<test::HeadlessEngine>();
+    startWorld(width, height);
+    std::srand(static_cast<unsigned>(layout));
+    std::set<Cell> walls;
+    // Denser layouts later on, so that some block the way completely.
+    const int wall_count = 60 + layout * 4;
+    while (static_cast<int>(walls.size()) < wall_count) {
+      const Cell cell{std::rand() % width, std::rand() % height};
+      if (cell != start && cell != goal && walls.insert(cell).second) makeWall(cell);
+    }
+    auto* p_seeker = new Seeker(Vector(1, 7));
+    p_seeker->pathTo(Vector(28, 7));
+    finishSearches();
+    const float expected = cheapestCost(width, height, walls, start, goal);
+    ASSERT_EQ(p_seeker->statuses.size(), 1u) << "layout " << layout;
+    if (std::isinf(expected)) {
+      unreachable++;
+      EXPECT_EQ(p_seeker->statuses[0], vt::PATH_NOT_FOUND) << "layout " << layout;
+      EXPECT_TRUE(p_seeker->getPath().empty());
+      EXPECT_FALSE(p_seeker->getFollowPath());
+      continue;
+    }
+    found++;
+    ASSERT_EQ(p_seeker->statuses[0], vt::PATH_FOUND) << "layout " << layout;
+    const std::list<Vector> path = p_seeker->getPath();
+    EXPECT_EQ(path.front(), Vector(1, 7));
+    EXPECT_EQ(path.back(), Vector(28, 7));
+    for (const Vector& waypoint : path) {
+      const Cell cell{static_cast<int>(waypoint.getX()), static_cast<int>(waypoint.getY())};
+      EXPECT_EQ(walls.count(cell), 0u) << "layout " << layout;
+    }
+    EXPECT_NEAR(pathCost(path), expected, 1e-3) << "layout " << layout;
+    EXPECT_TRUE(p_seeker->getFollowPath());
+  }
+  // Both outcomes were exercised.
+  EXPECT_GT(found, 5);
+  EXPECT_GT(unreachable, 5);
+  EXPECT_EQ(paths().getPendingCount(), 0);
+}
+
+TEST_F(PathFindTest, DiagonalsNeedOneFreeSide) {
+  makeWall({5, 4});
+  vt::Object* p_side = makeWall({4, 5});
+  auto* p_seeker = new Seeker(Vector(4, 4));
+  p_seeker->pathTo(Vector(5, 5));
+  finishSearches();
+  // Both sides blocked: the way goes round, never straight across.
+  EXPECT_GT(p_seeker->getPath().size(), 2u);
+
+  vt::WorldManager::getInstance().markForDelete(p_side);
+  vt::WorldManager::getInstance().update();
+  p_seeker->pathTo(Vector(5, 5));
+  finishSearches();
+  EXPECT_EQ(p_seeker->getPath(), (std::list<Vector>{Vector(4, 4), Vector(5, 5)}));
+}
+
+TEST_F(PathFindTest, OnlyTheFirstHardObjectInACellCounts) {
+  // A corridor along row 5 from x 2 to 10, walled above and below.
+  for (int x = 1; x <= 11; x++) {
+    makeWall({x, 4});
+    makeWall({x, 6});
+  }
+  makeWall({1, 5});
+  makeWall({11, 5});
+  // A big HARD object over the goal end of the corridor, added before a
+  // wall in the middle of the corridor: the big one is found first in that
+  // cell and covers the goal, so the cell counts as free.
+  auto* p_big = new vt::Object;
+  p_big->setPosition(Vector(8, 5));
+  p_big->setBox(vt::Box(Vector(-2.5f, -0.4f), 5, 0.8f));
+  vt::Object* p_blocker = makeWall({7, 5});
+  auto* p_seeker = new Seeker(Vector(2, 5));
+  p_seeker->pathTo(Vector(10, 5));
+  finishSearches();
+  EXPECT_EQ(p_seeker->statuses, std::vector<int>{vt::PATH_FOUND});
+
+  // Found first, the small wall decides: it does not cover the goal.
+  p_big->setSolidness(vt::SPECTRAL);
+  p_big->setSolidness(vt::HARD);
+  p_seeker->pathTo(Vector(10, 5));
+  finishSearches();
+  EXPECT_EQ(p_seeker->statuses.back(), vt::PATH_NOT_FOUND);
+
+  // A SOFT object never blocks.
+  p_blocker->setSolidness(vt::SOFT);
+  p_seeker->pathTo(Vector(10, 5));
+  finishSearches();
+  EXPECT_EQ(p_seeker->statuses.back(), vt::PATH_FOUND);
+}
+
+TEST_F(PathFindTest, TheOccupantOfTheGoalDoesNotBlockIt) {
+  auto* p_target = new vt::Object;
+  p_target->setPosition(Vector(20, 10));
+  auto* p_seeker = new Seeker(Vector(5, 10));
+  p_seeker->pathTo(p_target);
+  EXPECT_TRUE(p_seeker->getAvoidCollisions());
+  finishSearches();
+  ASSERT_EQ(p_seeker->statuses, std::vector<int>{vt::PATH_FOUND});
+  EXPECT_EQ(p_seeker->getPath().back(), Vector(20, 10));
+  EXPECT_EQ(p_seeker->getPath().size(), 16u);
+
+  p_seeker->pathTo(nullptr);
+  EXPECT_NE(engine->logText().find("Object::pathTo(): Error! Target object is NULL."),
+            std::string::npos);
+}
+
+TEST_F(PathFindTest, StartOrGoalOutsideTheWorldEndsAtTheFirstStep) {
+  auto* p_seeker = new Seeker(Vector(-3, 4));
+  p_seeker->pathTo(Vector(10, 10));
+  paths().cycle(5);
+  EXPECT_EQ(p_seeker->statuses, std::vector<int>{vt::PATH_NOT_FOUND});
+  p_seeker->setPosition(Vector(3, 4));
+  p_seeker->pathTo(Vector(10, 20.5f));
+  paths().cycle(5);
+  EXPECT_EQ(p_seeker->statuses.back(), vt::PATH_NOT_FOUND);
+  EXPECT_EQ(paths().getPendingCount(), 0);
+  // The far edges of the boundary still count as inside.
+  p_seeker->pathTo(Vector(40, 20));
+  finishSearches();
+  EXPECT_EQ(p_seeker->statuses.back(), vt::PATH_FOUND);
+  EXPECT_EQ(p_seeker->getPath().back(), Vector(39, 19));
+
+  vt::PathFind orphan(nullptr, Vector(1, 1), Vector(2, 2));
+  EXPECT_EQ(orphan.cycleOnce(), vt::PATH_NOT_FOUND);
+  const std::string log = engine->logText();
+  EXPECT_NE(log.find("PathFind::PathFind(): Error! Both start (-3.00, 4.00) and end (10.00, "
+                     "10.00) must be within world boundary (40, 20)."),
+            std::string::npos);
+  EXPECT_NE(log.find("PathFind::PathFind(): Error! Both start (3.00, 4.00) and end (10.00, "
+                     "20.50) must be within world boundary (40, 20)."),
+            std::string::npos);
+  EXPECT_NE(log.find("PathFind::cycleOnce(): node graph not allocated.  Cannot find path."),
+            std::string::npos);
+  EXPECT_NE(log.find("PathFind()::PathFind(): Fatal error! Object pointer is NULL."),
+            std::string::npos);
+  EXPECT_NE(log.find("PathFind::PathFind(): allocated [y, x]: 20, 40"), std::string::npos);
+}
+
+TEST_F(PathFindTest, AStartInsideAWallIsReportedAndSearchedFrom) {
+  makeWall({3, 3});
+  auto* p_seeker = new Seeker(Vector(3, 3));
+  p_seeker->pathTo(Vector(6, 3));
+  finishSearches();
+  EXPECT_EQ(p_seeker->statuses, std::vector<int>{vt::PATH_FOUND});
+  EXPECT_NE(engine->logText().find("PathFind::PathFind(): Warning! Can't get to start node."),
+            std::string::npos);
+}
+
+TEST_F(PathFindTest, TheBudgetSpreadsASearchOverFrames) {
+  // An enclosed goal in a large world: the search looks at every reachable
+  // cell before it gives up, far more than one millisecond of work.
+  startWorld(250, 250);
+  for (int dx = -1; dx <= 1; dx++) {
+    for (int dy = -1; dy <= 1; dy++) {
+      if (dx != 0 || dy != 0) makeWall({200 + dx, 200 + dy});
+    }
+  }
+  auto* p_seeker = new Seeker(Vector(5, 5));
+  p_seeker->pathTo(Vector(200, 200));
+  // No time left in the frame, or a frame already late: nothing happens.
+  paths().cycle(0);
+  paths().cycle(-7);
+  EXPECT_TRUE(p_seeker->statuses.empty());
+  int frames = 0;
+  while (p_seeker->statuses.empty() && frames < 100000) {
+    paths().cycle(1);
+    frames++;
+  }
+  EXPECT_GT(frames, 1);
+  EXPECT_EQ(p_seeker->statuses, std::vector<int>{vt::PATH_NOT_FOUND});
+
+  // The minimum budget outweighs a late frame's negative one.
+  p_seeker->pathTo(Vector(200, 200));
+  paths().setMinTime(60000);
+  paths().cycle(-7);
+  EXPECT_EQ(p_seeker->statuses.size(), 2u);
+}
+
+TEST_F(PathFindTest, SearchesAreReleasedByTheirObjects) {
+  auto* p_seeker = new Seeker(Vector(2, 2));
+  p_seeker->setPath({Vector(3, 3)});
+  p_seeker->setFollowPath(true);
+  p_seeker->pathTo(Vector(30, 10));
+  // A new search abandons the old path and the old search.
+  EXPECT_FALSE(p_seeker->getFollowPath());
+  p_seeker->pathTo(Vector(30, 12));
+  EXPECT_EQ(paths().getPendingCount(), 1);
+  vt::WorldManager::getInstance().markForDelete(p_seeker);
+  vt::WorldManager::getInstance().update();
+  EXPECT_EQ(paths().getPendingCount(), 0);
+  paths().cycle(10);
+
+  // A "vt-path" event that is not an EventPath.
+  auto* p_other = new Seeker(Vector(1, 1));
+  vt::Event wrong;
+  wrong.setType(vt::PATH_EVENT);
+  EXPECT_EQ(p_other->eventHandler(&wrong), 0);
+  EXPECT_NE(engine->logText().find("Object::eventHandler(): Error! Dynamic cast to EventPath "
+                                   "failed."),
+            std::string::npos);
+  // A search cannot be added twice, nor to a stopped manager.
+  vt::PathFind search(p_other, Vector(1, 1), Vector(5, 5));
+  EXPECT_EQ(paths().insert(&search), 0);
+  EXPECT_EQ(paths().insert(&search), -1);
+  EXPECT_EQ(paths().remove(&search), 0);
+  EXPECT_EQ(paths().remove(&search), -1);
+  paths().shutDown();
+  EXPECT_EQ(paths().insert(&search), -1);
+  EXPECT_NE(engine->logText().find("PathManager not started!"), std::string::npos);
+}
+
+TEST_F(PathFindTest, AFoundPathIsFollowedSeveralCloseWaypointsAStep) {
+  auto* p_seeker = new Seeker(Vector(2, 2));
+  p_seeker->setSolidness(vt::SPECTRAL);
+  p_seeker->setSpeed(3.0f);
+  p_seeker->pathTo(Vector(12, 2));
+  finishSearches();
+  ASSERT_EQ(p_seeker->getPath().size(), 11u);
+  EXPECT_EQ(p_seeker->getDirection(), Vector(1, 0));
+  // Each step moves 3 cells and then takes every waypoint within 2.25.
+  vt::WorldManager::getInstance().update();
+  EXPECT_EQ(p_seeker->getPosition(), Vector(7, 2));
+  EXPECT_EQ(p_seeker->getPath().size(), 5u);
+  for (int step = 0; step < 3; step++) vt::WorldManager::getInstance().update();
+  EXPECT_EQ(p_seeker->getPosition(), Vector(12, 2));
+  EXPECT_FALSE(p_seeker->getFollowPath());
+}
