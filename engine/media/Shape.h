@@ -3,6 +3,10 @@
 #include "core/Color.h"
 #include "core/Vector.h"
 
+namespace sf {
+class CircleShape;
+}
+
 namespace vt {
 
 enum ShapeType {
@@ -32,6 +36,10 @@ class Shape {
   void setOpacity(unsigned char new_opacity) { opacity = new_opacity; }
 
   void draw(Vector world_position);
+
+  // The one SFML shape that every Shape is drawn with, as the last draw
+  // left it.
+  static const sf::CircleShape& getDrawnShape();
 
  private:
   Color color = WHITE;

@@ -1,0 +1,178 @@
+#include "media/InputManager.h"
+
+#include <SFML/Window/Keyboard.hpp>
+#include <SFML/Window/Mouse.hpp>
+
+#include "core/Config.h"
+#include "core/GameManager.h"
+#include "core/LogManager.h"
+#include "media/DisplayManager.h"
+#include "media/EventMouse.h"
+#include "media/InputTranslation.h"
+
+namespace vt {
+
+namespace {
+
+// Polled for PRESSED events, in this order.
+const sf::Mouse::Button POLLED_BUTTONS[] = {sf::Mouse::Left, sf::Mouse::Right, sf::Mouse::Middle};
+
+Vector pixelsToCells(int pixel_x, int pixel_y) {
+  return pixelsToSpaces(Vector(static_cast<float>(pixel_x), static_cast<float>(pixel_y)));
+}
+
+}  // namespace
+
+InputManager::InputManager() {
+  setType("InputManager");
+}
+
+InputManager& InputManager::getInstance() {
+  static InputManager input_manager;
+  return input_manager;
+}
+
+bool InputManager::isValid(std::string event_type) const {
+  return event_type == KEYBOARD_EVENT || event_type == MOUSE_EVENT;
+}
+
+int InputManager::startUp() {
+  const LogManager& log_manager = LogManager::getInstance();
+  if (isStarted()) {
+    log_manager.writeLog("%s::startup(): Warning! %s already started.", getType().c_str(),
+                         getType().c_str());
+    return -1;
+  }
+  if (Config::getInstance().getHeadless()) {
+    log_manager.writeLog(1, "InputManager::startUp(): not doing input since in headless mode.");
+    return finishStartUp();
+  }
+  const DisplayManager& display_manager = DisplayManager::getInstance();
+  if (!display_manager.isStarted()) {
+    log_manager.writeLog(
+        "InputManager::startUp(): Error starting InputManager. DisplayManager must be started "
+        "first.");
+    return -1;
+  }
+  sf::RenderWindow* p_window = display_manager.getWindow();
+  if (p_window == nullptr) {
+    log_manager.writeLog(
+        "InputManager::startUp(): Warning - DisplayManager unexpectedly returned null window! "
+        "Cannot disable keyboard repeat.");
+  } else {
+    p_window->setKeyRepeatEnabled(false);
+    log_manager.writeLog(2, "InputManager::startUp(): Keyboard repeated disabled.");
+  }
+  return finishStartUp();
+}
+
+int InputManager::finishStartUp() {
+  Manager::startUp();
+  LogManager::getInstance().writeLog(5, "InputManager::startUp(): successfully started.");
+  return 0;
+}
+
+void InputManager::shutDown() {
+  const LogManager& log_manager = LogManager::getInstance();
+  sf::RenderWindow* p_window = DisplayManager::getInstance().getWindow();
+  if (p_window != nullptr) {
+    p_window->setKeyRepeatEnabled(true);
+    log_manager.writeLog(2, "InputManager::shutDown(): Keyboard repeat enabled.");
+  }
+  log_manager.writeLog(5, "InputManager::shutDown(): successfully stopped.");
+  Manager::shutDown();
+}
+
+void InputManager::getInput() {
+  if (notStarted() || Config::getInstance().getHeadless()) return;
+  sf::RenderWindow* p_window = DisplayManager::getInstance().getWindow();
+  if (p_window == nullptr) {
+    LogManager::getInstance().writeLog(
+        "InputManager::getInput(): DisplayManager unexpectedly returned null window!");
+    return;
+  }
+  if (!sendWindowEvents(*p_window)) return;
+  sendHeldButtons(*p_window);
+  sendHeldKeys();
+}
+
+bool InputManager::sendWindowEvents(sf::Window& window) {
+  sf::Event event;
+  while (window.pollEvent(event)) {
+    if (event.type == sf::Event::Closed) {
+      LogManager::getInstance().writeLog(
+          1, "InputManager::getInput(): Window close event. Setting game over.");
+      GameManager::getInstance().setGameOver(true);
+      return false;
+    }
+    sendWindowEvent(event);
+  }
+  return true;
+}
+
+void InputManager::sendWindowEvent(const sf::Event& event) {
+  switch (event.type) {
+    case sf::Event::KeyPressed:
+      sendKey(event.key, KEY_PRESSED);
+      break;
+    case sf::Event::KeyReleased:
+      sendKey(event.key, KEY_RELEASED);
+      break;
+    case sf::Event::MouseMoved:
+      sendMouse(MOVED, Mouse::UNDEFINED_MOUSE_BUTTON, event.mouseMove.x, event.mouseMove.y);
+      break;
+    case sf::Event::MouseButtonPressed:
+      sendMouse(CLICKED, buttonFromSFML(event.mouseButton.button), event.mouseButton.x,
+                event.mouseButton.y);
+      break;
+    default:
+      break;
+  }
+}
+
+EventKeyboard InputManager::toEventKeyboard(const sf::Event::KeyEvent& key_event) const {
+  EventKeyboard keyboard_event;
+  keyboard_event.setKey(keyFromSFML(key_event.code));
+  LogManager::getInstance().writeLog(15,
+                                     "InputManager::toEventKeyboard(): Keyboard event '%c' (%d)",
+                                     keyboard_event.getKey(), static_cast<int>(key_event.code));
+  return keyboard_event;
+}
+
+void InputManager::sendKey(const sf::Event::KeyEvent& key_event, EventKeyboardAction action) {
+  EventKeyboard keyboard_event = toEventKeyboard(key_event);
+  keyboard_event.setKeyboardAction(action);
+  onEvent(&keyboard_event);
+}
+
+void InputManager::sendMouse(int action, int button, int pixel_x, int pixel_y) {
+  EventMouse mouse_event;
+  mouse_event.setMouseAction(action);
+  mouse_event.setMouseButton(button);
+  mouse_event.setMousePosition(pixelsToCells(pixel_x, pixel_y));
+  onEvent(&mouse_event);
+}
+
+void InputManager::sendHeldButtons(const sf::Window& window) {
+  const sf::Vector2i pixels = sf::Mouse::getPosition(window);
+  EventMouse mouse_event;
+  mouse_event.setMouseAction(PRESSED);
+  mouse_event.setMousePosition(pixelsToCells(pixels.x, pixels.y));
+  for (const sf::Mouse::Button button : POLLED_BUTTONS) {
+    if (!sf::Mouse::isButtonPressed(button)) continue;
+    mouse_event.setMouseButton(buttonFromSFML(button));
+    onEvent(&mouse_event);
+  }
+}
+
+void InputManager::sendHeldKeys() {
+  EventKeyboard keyboard_event;
+  keyboard_event.setKeyboardAction(KEY_DOWN);
+  for (const KeyBinding& binding : polledKeys()) {
+    if (!sf::Keyboard::isKeyPressed(binding.sfml_key)) continue;
+    keyboard_event.setKey(binding.engine_key);
+    onEvent(&keyboard_event);
+  }
+}
+
+}  // namespace vt
