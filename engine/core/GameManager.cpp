@@ -16,6 +16,7 @@
 #include "media/DisplayManager.h"
 #include "media/InputManager.h"
 #include "media/ResourceManager.h"
+#include "world/PathManager.h"
 #include "world/WorldManager.h"
 
 namespace vt {
@@ -120,7 +121,9 @@ int GameManager::startManagers() {
       !startManager(ResourceManager::getInstance(), "Error starting resource manager!",
                     "Resource manager started.") ||
       !startManager(WorldManager::getInstance(), "Error starting world manager!",
-                    "World manager started.")) {
+                    "World manager started.") ||
+      !startManager(PathManager::getInstance(), "Error starting path manager!",
+                    "Path manager started.")) {
     return -1;
   }
   const DisplayManager& display_manager = DisplayManager::getInstance();
@@ -159,6 +162,7 @@ void GameManager::shutDown() {
 }
 
 void GameManager::stopManagers() {
+  stopManager(PathManager::getInstance(), "Path manager stopped");
   stopManager(WorldManager::getInstance(), "World manager stopped");
   stopManager(ResourceManager::getInstance(), "Resource manager stopped");
   if (Config::getInstance().getNetworking()) {
@@ -186,10 +190,17 @@ void GameManager::run() {
     WorldManager& world_manager = WorldManager::getInstance();
     world_manager.update();
     world_manager.draw();
+    PathManager::getInstance().cycle(pathBudget(clock, adjust_time));
     adjust_time = sleepRestOfFrame(clock, adjust_time);
     step_count++;
   }
   log_manager.writeLog(1, "GameManager::run(): end of game loop");
+}
+
+int GameManager::pathBudget(const Clock& clock, int adjust_time) const {
+  const std::int64_t remaining = static_cast<std::int64_t>(frame_time) * 1000 -
+                                 static_cast<std::int64_t>(clock.split()) - adjust_time;
+  return static_cast<int>(0.95f * static_cast<float>(remaining) / 1000.0f);
 }
 
 int GameManager::sleepRestOfFrame(const Clock& clock, int adjust_time) const {

@@ -33,6 +33,9 @@ class GameManager : public Manager {
   int startManagers();
   void stopManagers();
   void seedRandom() const;
+  // The path searches' share of the frame: 95 % of what is left of it, in
+  // whole milliseconds; negative when the frame is already late.
+  int pathBudget(const class Clock& clock, int adjust_time) const;
   // Sleeps away the rest of the frame and returns the new oversleep.
   int sleepRestOfFrame(const class Clock& clock, int adjust_time) const;
 

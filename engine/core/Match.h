@@ -10,4 +10,9 @@ namespace vt {
 // entries of the last text given. Not re-entrant.
 std::string match(std::string text, std::string key);
 
+// The value that match finds for the key in the text, with the blanks inside
+// it kept ("x y" stays "x y"; blanks at its ends are dropped). The entries
+// kept for match are left as they were.
+std::string matchKeepingBlanks(const std::string& text, const std::string& key);
+
 }  // namespace vt

@@ -1,7 +1,11 @@
 #include "core/Utility.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <sstream>
 
@@ -90,6 +94,45 @@ std::string toString(float value) {
 std::string toString(int value) { return std::to_string(value); }
 
 std::string toString(bool value) { return value ? "true" : "false"; }
+
+bool readInt(const std::string& text, int& value) {
+  char* p_end = nullptr;
+  errno = 0;
+  const long number = std::strtol(text.c_str(), &p_end, 10);
+  if (p_end == text.c_str() || errno == ERANGE || number < INT_MIN || number > INT_MAX) {
+    return false;
+  }
+  value = static_cast<int>(number);
+  return true;
+}
+
+bool readFloat(const std::string& text, float& value) {
+  char* p_end = nullptr;
+  const float number = std::strtof(text.c_str(), &p_end);
+  if (p_end == text.c_str() || !std::isfinite(number)) return false;
+  value = number;
+  return true;
+}
+
+bool readBool(const std::string& text, bool& value) {
+  if (text != "true" && text != "false") return false;
+  value = text == "true";
+  return true;
+}
+
+bool readColor(const std::string& text, Color& value) {
+  int number = 0;
+  readInt(text, number);
+  if (number < BLACK || number > CUSTOM) return false;
+  value = static_cast<Color>(number);
+  return true;
+}
+
+bool groupSelected(const std::string& attr, const std::string& group_name, bool modified) {
+  if (attr == "ALL") return true;
+  if (attr.empty()) return modified;
+  return attr.find(group_name) != std::string::npos;
+}
 
 const char* getTimeString() {
   static char time_text[32];

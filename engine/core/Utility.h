@@ -4,6 +4,7 @@
 
 #include "core/Box.h"
 #include "core/Circle.h"
+#include "core/Color.h"
 #include "core/Line.h"
 #include "core/Vector.h"
 
@@ -32,6 +33,25 @@ Box getWorldBox(const Object* p_object, const Vector& where);
 std::string toString(float value);
 std::string toString(int value);
 std::string toString(bool value);
+
+// Readers of serialized values. Each one leaves value untouched and returns
+// false when the text cannot be read.
+// The integer at the start of the text, as atoi reads it ("-0.5" is 0, "12ab"
+// is 12); false when there is none or it does not fit in an int.
+bool readInt(const std::string& text, int& value);
+// The number at the start of the text, as atof reads it; false when there is
+// none or it is not finite (overflow, "inf", "nan").
+bool readFloat(const std::string& text, float& value);
+// "true" or "false".
+bool readBool(const std::string& text, bool& value);
+// A colour number from BLACK to CUSTOM. Text that is no number, such as a
+// colour's name, reads as 0 (BLACK), as atoi reads it.
+bool readColor(const std::string& text, Color& value);
+
+// Whether serialization writes a group of attributes: always for "ALL", for
+// an empty attr when the group is modified, and otherwise when the group's
+// name (with its trailing comma) occurs anywhere in attr.
+bool groupSelected(const std::string& attr, const std::string& group_name, bool modified);
 
 // Local time of day "hh:mm:ss", or "(time error)". The text lives in one
 // static buffer that each call overwrites.

@@ -1,5 +1,9 @@
 #include "media/Animation.h"
 
+#include "core/LogManager.h"
+#include "core/Match.h"
+#include "core/Utility.h"
+#include "media/ResourceManager.h"
 #include "media/Sprite.h"
 
 namespace vt {
@@ -27,11 +31,13 @@ int Animation::draw(Vector position) {
   if (p_sprite == nullptr) return 0;
   const int result = p_sprite->draw(index, position, p_sprite->getTransparency());
   if (slowdown_count == -1) return result;
-  slowdown_count++;
-  if (slowdown_count < p_sprite->getSlowdown()) return result;
+  // Compared before adding one, so that no count or index overflows.
+  if (slowdown_count < p_sprite->getSlowdown() - 1) {
+    slowdown_count++;
+    return result;
+  }
   slowdown_count = 0;
-  index++;
-  if (index >= p_sprite->getFrameCount()) index = 0;
+  index = index < p_sprite->getFrameCount() - 1 ? index + 1 : 0;
   return result;
 }
 
@@ -40,6 +46,40 @@ Box Animation::getBox() const {
   const float width = static_cast<float>(p_sprite->getWidth());
   const float height = static_cast<float>(p_sprite->getHeight());
   return Box(Vector(-width / 2, -height / 2), width, height);
+}
+
+std::string Animation::serialize(std::string attr) {
+  if (!groupSelected(attr, "ANIMATION,", modified)) return "";
+  modified = false;
+  return "sprite_name:" + name + ",sprite_index:" + toString(index) +
+         ",sprite_slowdown_count:" + toString(slowdown_count) + ",";
+}
+
+int Animation::deserialize(std::string str) {
+  // An empty text would make match search the last text it parsed.
+  if (str.empty()) return 0;
+  const LogManager& log_manager = LogManager::getInstance();
+  const std::string sprite_name = match(str, "sprite_name");
+  if (!sprite_name.empty()) {
+    log_manager.writeLog(20, "Animation::deserialize(): sprite_name is '%s'", sprite_name.c_str());
+    Sprite* p_found = ResourceManager::getInstance().getSprite(sprite_name);
+    if (p_found == nullptr) {
+      log_manager.writeLog("Animation::Match(): Sprite '%s' not found", sprite_name.c_str());
+    } else {
+      setSprite(p_found);
+    }
+    setName(sprite_name);
+  }
+  int number = 0;
+  if (readInt(match("", "sprite_index"), number)) {
+    log_manager.writeLog(20, "Animation::deserialize(): sprite_index is %d", number);
+    setIndex(number);
+  }
+  if (readInt(match("", "sprite_slowdown_count"), number)) {
+    log_manager.writeLog(20, "Animation::deserialize(): sprite_slowdown_count is %d", number);
+    setSlowdownCount(number);
+  }
+  return 0;
 }
 
 }  // namespace vt

@@ -14,6 +14,12 @@ class Animation {
  public:
   Animation() = default;
   virtual ~Animation() = default;
+  // "sprite_name", "sprite_index" and "sprite_slowdown_count" entries, for
+  // "ALL", for an attr naming "ANIMATION,", or for "" when modified; else
+  // nothing. Writing them clears the modified flag.
+  virtual std::string serialize(std::string attr = "");
+  // Applies each of those keys that str holds; returns 0.
+  virtual int deserialize(std::string str);
 
   // Shows the sprite from its first frame; the slowdown count is kept.
   void setSprite(Sprite* p_new_sprite);

@@ -1,11 +1,21 @@
 #include "media/ViewObject.h"
 
 #include "core/LogManager.h"
+#include "core/Match.h"
+#include "core/Utility.h"
 #include "media/DisplayManager.h"
 #include "media/EventView.h"
 #include "world/WorldManager.h"
 
 namespace vt {
+
+namespace {
+
+// Selection names of the view attributes, in the order of their flags.
+const char* const VIEW_GROUP_NAMES[] = {"STRING,", "VALUE,",    "BORDER,",
+                                        "COLOR,",  "LOCATION,", "DRAW_VALUE,"};
+
+}  // namespace
 
 ViewObject::ViewObject() {
   for (bool& flag : view_modified) flag = true;
@@ -112,6 +122,82 @@ int ViewObject::draw() {
   result += display_manager.drawCh(Vector(left_x + static_cast<float>(length) + 1, position.getY()),
                                    '|', color);
   return result;
+}
+
+std::string ViewObject::serialize(std::string attr) {
+  std::string text = Object::serialize(attr);
+  for (int i = 0; i < VIEW_ATTRIBUTE_COUNT; i++) {
+    if (!groupSelected(attr, VIEW_GROUP_NAMES[i], view_modified[i])) continue;
+    text += serializeViewAttribute(i);
+    view_modified[i] = false;
+  }
+  return text;
+}
+
+std::string ViewObject::serializeViewAttribute(int attribute) const {
+  switch (attribute) {
+    case VIEW_STRING:
+      return "view_string:" + view_string + ",";
+    case VIEW_VALUE:
+      return "view_value:" + toString(value) + ",";
+    case VIEW_BORDER:
+      return "view_border:" + toString(border) + ",";
+    case VIEW_COLOR:
+      return "view_color:" + toString(static_cast<int>(color)) + ",";
+    case VIEW_LOCATION:
+      return "view_location:" + toString(location) + ",";
+    default:
+      return "view_draw_value:" + toString(draw_value) + ",";
+  }
+}
+
+int ViewObject::deserialize(std::string str) {
+  Object::deserialize(str);
+  // An empty text would make match search the last text it parsed.
+  if (str.empty()) return 0;
+  const LogManager& log_manager = LogManager::getInstance();
+  const std::string new_view_string = match(str, "view_string");
+  if (!new_view_string.empty()) {
+    log_manager.writeLog(20, "ViewObject::deserialize(): view_string is %s",
+                         new_view_string.c_str());
+    setViewString(new_view_string);
+  }
+  int number = 0;
+  if (readInt(match("", "view_value"), number)) {
+    log_manager.writeLog(20, "ViewObject::deserialize(): value is %d", number);
+    setValue(number);
+  }
+  bool flag = false;
+  if (readBool(match("", "view_border"), flag)) {
+    log_manager.writeLog(20, "ViewObject::deserialize(): border is %s", toString(flag).c_str());
+    setBorder(flag);
+  }
+  Color new_color = WHITE;
+  const std::string color_text = match("", "view_color");
+  if (!color_text.empty() && readColor(color_text, new_color)) {
+    log_manager.writeLog(20, "ViewObject::deserialize(): color is %d", static_cast<int>(new_color));
+    setColor(new_color);
+  }
+  // -1 stands for a position set directly, which the Object entries carry.
+  if (readInt(match("", "view_location"), number) && number != -1) {
+    log_manager.writeLog(20, "ViewObject::deserialize(): location is %d", number);
+    setLocation(number);
+  }
+  if (readBool(match("", "view_draw_value"), flag)) {
+    log_manager.writeLog(20, "ViewObject::deserialize(): draw_value is %s", toString(flag).c_str());
+    setDrawValue(flag);
+  }
+  return 0;
+}
+
+bool ViewObject::isModified() const {
+  bool any = Object::isModified();
+  for (int i = 0; i < VIEW_ATTRIBUTE_COUNT; i++) {
+    LogManager::getInstance().writeLog(10, "ViewObject::isModified(): %d is %s", i,
+                                       toString(view_modified[i]).c_str());
+    any = any || view_modified[i];
+  }
+  return any;
 }
 
 }  // namespace vt

@@ -30,6 +30,15 @@ class ViewObject : public Object {
   int setPosition(Vector new_position) override;
   int eventHandler(const Event* p_event) override;
   int draw() override;
+  // Object's entries, then the view's own: "view_string", "view_value",
+  // "view_border", "view_color", "view_location" and "view_draw_value",
+  // chosen alike by "ALL", by their changed flags, or by the names
+  // "STRING,", "VALUE,", "BORDER,", "COLOR,", "LOCATION," and "DRAW_VALUE,".
+  std::string serialize(std::string attr = "") override;
+  int deserialize(std::string str) override;
+  // True when an Object group or a view attribute changed.
+  bool isModified() const override;
+  using Object::isModified;
 
   void setLocation(int new_location);
   int getLocation() const { return location; }
@@ -59,6 +68,7 @@ class ViewObject : public Object {
  private:
   // The text drawn in the middle of the object.
   std::string displayText() const;
+  std::string serializeViewAttribute(int attribute) const;
 
   std::string view_string;
   int value = 0;

@@ -1,10 +1,20 @@
 #include "world/Object.h"
 
+#include <algorithm>
+#include <climits>
+#include <new>
+#include <vector>
+
 #include "core/GameManager.h"
 #include "core/LogManager.h"
+#include "core/Match.h"
+#include "core/Utility.h"
 #include "extras/NetworkManager.h"
 #include "media/InputManager.h"
 #include "media/ResourceManager.h"
+#include "world/EventPath.h"
+#include "world/PathFind.h"
+#include "world/PathManager.h"
 #include "world/SceneGraph.h"
 #include "world/WorldManager.h"
 
@@ -13,6 +23,113 @@ namespace vt {
 namespace {
 
 int next_id = 1;
+
+// The ids given by the constructor stay unique until the counter reaches
+// INT_MAX, where it stops.
+int takeNextId() {
+  return next_id < INT_MAX ? next_id++ : next_id;
+}
+
+// Group names for serialization, in the order of ObjectAttribute.
+const char* const GROUP_NAMES[ATTRIBUTE_COUNT] = {
+    "ID,",    "ACTIVE,",       "VISIBLE,",  "EVENTS,",    "BOX,",         "POSITION,",
+    "TYPE,",  "ANIMATION,",    "ALTITUDE,", "SOLIDNESS,", "NO_SOFT,",     "DIRECTION,",
+    "SPEED,", "ACCELERATION,", "SHAPE,",    "PATH,",      "FOLLOW_PATH,", "AVOID_COLLISIONS,"};
+
+// The order in which serialize writes the groups: FOLLOW_PATH before PATH.
+const ObjectAttribute WRITE_ORDER[ATTRIBUTE_COUNT] = {
+    ID,    ACTIVE,       VISIBLE,  EVENTS,      BOX,     POSITION,
+    TYPE,  ANIMATION,    ALTITUDE, SOLIDNESS,   NO_SOFT, DIRECTION,
+    SPEED, ACCELERATION, SHAPE,    FOLLOW_PATH, PATH,    AVOID_COLLISIONS};
+
+std::string entry(const std::string& key, const std::string& value) {
+  return key + ":" + value + ",";
+}
+
+const LogManager& logManager() {
+  return LogManager::getInstance();
+}
+
+// The value of a key in the text that deserialize parsed last.
+std::string valueOf(const std::string& key) {
+  return match("", key);
+}
+
+// The pieces of the text between blanks.
+std::vector<std::string> words(const std::string& text) {
+  std::vector<std::string> found;
+  std::string::size_type start = text.find_first_not_of(' ');
+  while (start != std::string::npos) {
+    const std::string::size_type end = std::min(text.find(' ', start), text.size());
+    found.push_back(text.substr(start, end - start));
+    start = text.find_first_not_of(' ', end);
+  }
+  return found;
+}
+
+// One waypoint "x y" of a serialized path.
+bool readWaypoint(const std::string& text, Vector& waypoint) {
+  const std::vector<std::string> parts = words(text);
+  float x = 0;
+  float y = 0;
+  if (parts.size() != 2 || !readFloat(parts[0], x) || !readFloat(parts[1], y)) return false;
+  waypoint = Vector(x, y);
+  return true;
+}
+
+// Readers of one key of the text deserialize parsed; each logs the value it
+// read as "Object::deserialize(): <key> is <value>".
+bool readIntKey(const std::string& key, int& value) {
+  if (!readInt(valueOf(key), value)) return false;
+  logManager().writeLog(20, "Object::deserialize(): %s is %d", key.c_str(), value);
+  return true;
+}
+
+bool readFloatKey(const std::string& key, float& value) {
+  if (!readFloat(valueOf(key), value)) return false;
+  logManager().writeLog(20, "Object::deserialize(): %s is %.2f", key.c_str(),
+                        static_cast<double>(value));
+  return true;
+}
+
+bool readBoolKey(const std::string& key, bool& value) {
+  if (!readBool(valueOf(key), value)) return false;
+  logManager().writeLog(20, "Object::deserialize(): %s is %s", key.c_str(),
+                        toString(value).c_str());
+  return true;
+}
+
+// Reads every key of a group that must come complete; true when all were
+// read. A group partly there is logged with the message given.
+template <std::size_t N, typename T>
+bool readGroup(const char* const (&keys)[N], T (&values)[N], bool (*reader)(const std::string&, T&),
+               const char* incomplete_message) {
+  int read = 0;
+  for (std::size_t i = 0; i < N; i++) read += reader(keys[i], values[i]) ? 1 : 0;
+  if (read > 0 && read < static_cast<int>(N)) logManager().writeLog("%s", incomplete_message);
+  return read == static_cast<int>(N);
+}
+
+// The waypoints of "x y|x y|...", up to the first malformed one.
+std::list<Vector> readPath(const std::string& text) {
+  std::list<Vector> waypoints;
+  std::string::size_type start = 0;
+  while (start < text.size()) {
+    const std::string::size_type end = std::min(text.find('|', start), text.size());
+    if (end > start) {
+      const std::string node = text.substr(start, end - start);
+      Vector waypoint;
+      if (!readWaypoint(node, waypoint)) {
+        logManager().writeLog("Object::deserialize(): malformed node %s.", node.c_str());
+        logManager().writeLog("\tNot added.");
+        break;
+      }
+      waypoints.push_back(waypoint);
+    }
+    start = end + 1;
+  }
+  return waypoints;
+}
 
 // The manager that delivers events of this type. Unregistering from
 // "vt-custom-network" goes to the world manager, unlike registering for it.
@@ -32,14 +149,22 @@ SceneGraph& sceneGraph() { return WorldManager::getInstance().getSceneGraph(); }
 
 }  // namespace
 
-Object::Object() : id(next_id++) {
+Object::Object() : id(takeNextId()) {
   for (bool& flag : modified) flag = true;
   WorldManager::getInstance().insertObject(this);
 }
 
 Object::~Object() {
   for (int i = event_count - 1; i >= 0; i--) unregisterInterest(event_name[i]);
+  releasePathFind();
   WorldManager::getInstance().removeObject(this);
+}
+
+void Object::releasePathFind() {
+  if (p_path_find == nullptr) return;
+  PathManager::getInstance().remove(p_path_find);
+  delete p_path_find;
+  p_path_find = nullptr;
 }
 
 void Object::setModified(int attribute, bool value) { modified[attribute] = value; }
@@ -58,7 +183,7 @@ bool Object::isModified(int attribute) const {
 void Object::setId(int new_id) {
   if (new_id == id) return;
   id = new_id;
-  if (new_id >= next_id) next_id = new_id + 1;
+  if (new_id >= next_id) next_id = new_id < INT_MAX ? new_id + 1 : INT_MAX;
   modified[ID] = true;
 }
 
@@ -273,7 +398,253 @@ std::string Object::getEventName(int index) const {
   return index >= 0 && index < event_count ? event_name[index] : "";
 }
 
-int Object::eventHandler(const Event*) { return 0; }
+int Object::eventHandler(const Event* p_event) {
+  if (p_event->getType() != PATH_EVENT) return 0;
+  const auto* p_path_event = dynamic_cast<const EventPath*>(p_event);
+  if (p_path_event == nullptr) {
+    logManager().writeLog("Object::eventHandler(): Error! Dynamic cast to EventPath failed.");
+    return 0;
+  }
+  if (p_path_event->getStatus() == PATH_FOUND) {
+    setPath(p_path_event->getPath());
+    setFollowPath(true);
+  }
+  releasePathFind();
+  return 1;
+}
+
+void Object::pathTo(Vector target) {
+  releasePathFind();
+  p_path_find = new (std::nothrow) PathFind(this, position, target);
+  if (p_path_find == nullptr) {
+    logManager().writeLog("Object::pathTo(): Error! Unable to allocate memory for PathFind.");
+    return;
+  }
+  PathManager::getInstance().insert(p_path_find);
+  if (follow_path) {
+    follow_path = false;
+    modified[FOLLOW_PATH] = true;
+  }
+  setAvoidCollisions(true);
+}
+
+void Object::pathTo(Object* p_target) {
+  if (p_target == nullptr) {
+    logManager().writeLog("Object::pathTo(): Error! Target object is NULL.");
+    return;
+  }
+  pathTo(p_target->getPosition());
+  if (p_path_find == nullptr) {
+    logManager().writeLog("Object::pathTo(): path find not allocated!");
+    return;
+  }
+  p_path_find->setTarget(p_target);
+}
+
+std::string Object::serialize(std::string attr) {
+  logManager().writeLog(20, "Object::serialize(): attr is '%s'", attr.c_str());
+  if (!attr.empty() && attr != "ALL" && attr.back() != ',') {
+    logManager().writeLog("Object::serialize(): Warning! Attribute '%s' missing trailing ','",
+                          attr.c_str());
+  }
+  std::string text;
+  for (const ObjectAttribute group : WRITE_ORDER) {
+    if (!groupSelected(attr, GROUP_NAMES[group], modified[group])) continue;
+    text += serializeGroup(group);
+    modified[group] = false;
+  }
+  return text;
+}
+
+std::string Object::serializeGroup(int group) {
+  switch (group) {
+    case ID:
+      return entry("id", toString(id));
+    case ACTIVE:
+      return entry("is_active", toString(is_active));
+    case VISIBLE:
+      return entry("is_visible", toString(is_visible));
+    case EVENTS:
+      return serializeEvents();
+    case BOX:
+      return serializeBox();
+    case POSITION:
+      return entry("pos-x", toString(position.getX())) + entry("pos-y", toString(position.getY()));
+    case TYPE:
+      return entry("type", type);
+    case ANIMATION:
+      return animation.serialize("ALL");
+    case ALTITUDE:
+      return entry("altitude", toString(altitude));
+    case SOLIDNESS:
+      return entry("solidness", toString(static_cast<int>(solidness)));
+    case NO_SOFT:
+      return entry("no_soft", toString(no_soft));
+    case DIRECTION:
+      return entry("x_direction", toString(direction.getX())) +
+             entry("y_direction", toString(direction.getY()));
+    case SPEED:
+      return entry("speed", toString(speed));
+    case ACCELERATION:
+      return entry("x_acceleration", toString(acceleration.getX())) +
+             entry("y_acceleration", toString(acceleration.getY()));
+    case SHAPE:
+      return serializeShape();
+    case PATH:
+      return serializePath();
+    case FOLLOW_PATH:
+      return entry("follow_path", toString(follow_path));
+    default:
+      return entry("avoid_collisions", toString(avoid_collisions));
+  }
+}
+
+std::string Object::serializeEvents() const {
+  std::string text = entry("event_count", toString(event_count));
+  for (int i = 0; i < event_count; i++) {
+    text += entry("event_name[" + toString(i) + "]", event_name[i]);
+  }
+  return text;
+}
+
+std::string Object::serializeBox() const {
+  return entry("box-corner-x", toString(box.getCorner().getX())) +
+         entry("box-corner-y", toString(box.getCorner().getY())) +
+         entry("box-horizontal", toString(box.getHorizontal())) +
+         entry("box-vertical", toString(box.getVertical()));
+}
+
+std::string Object::serializeShape() const {
+  return entry("shape", toString(shape.getType())) + entry("size", toString(shape.getSize())) +
+         entry("color", colorToString(shape.getColor())) +
+         entry("opacity", toString(static_cast<int>(shape.getOpacity())));
+}
+
+std::string Object::serializePath() const {
+  std::string waypoints;
+  for (const Vector& waypoint : path) {
+    waypoints += toString(waypoint.getX()) + " " + toString(waypoint.getY()) + "|";
+  }
+  return entry("path", waypoints) + entry("path_index", toString(static_cast<int>(path.size())));
+}
+
+int Object::deserialize(std::string str) {
+  // An empty text would make match search the last text it parsed.
+  if (str.empty()) return 0;
+  // Parses str once; the readers then look keys up in its entries.
+  match(str, "");
+  int new_id = 0;
+  if (readIntKey("id", new_id)) setId(new_id);
+  bool flag = false;
+  if (readBoolKey("is_active", flag)) setActive(flag);
+  if (readBoolKey("is_visible", flag)) setVisible(flag);
+  deserializeEvents();
+  deserializeBox();
+  deserializePosition();
+  const std::string new_type = valueOf("type");
+  if (!new_type.empty()) {
+    logManager().writeLog(20, "Object::deserialize(): type is %s", new_type.c_str());
+    setType(new_type);
+  }
+  animation.deserialize(str);
+  if (animation.isModified()) modified[ANIMATION] = true;
+  int number = 0;
+  if (readIntKey("altitude", number)) setAltitude(number);
+  if (readIntKey("solidness", number)) setSolidness(static_cast<Solidness>(number));
+  if (readBoolKey("no_soft", flag)) setNoSoft(flag);
+  deserializeVelocity();
+  deserializeAcceleration();
+  deserializeShape();
+  deserializePath(str);
+  if (readBoolKey("follow_path", flag)) setFollowPath(flag);
+  if (readBoolKey("avoid_collisions", flag)) setAvoidCollisions(flag);
+  return 0;
+}
+
+void Object::deserializeEvents() {
+  int count = 0;
+  if (!readIntKey("event_count", count)) return;
+  for (int i = event_count - 1; i >= 0; i--) unregisterInterest(event_name[i]);
+  // No object holds more than MAX_OBJ_EVENTS, whatever count claims.
+  for (int i = 0; i < std::min(count, MAX_OBJ_EVENTS); i++) {
+    const std::string name = valueOf("event_name[" + toString(i) + "]");
+    if (name.empty()) continue;
+    logManager().writeLog(20, "Object::deserialize(): event_name[%d] is '%s'", i, name.c_str());
+    registerInterest(name);
+  }
+}
+
+void Object::deserializeBox() {
+  static const char* const KEYS[] = {"box-corner-x", "box-corner-y", "box-horizontal",
+                                     "box-vertical"};
+  // Read as integers: fractions are cut off.
+  int values[4] = {};
+  if (!readGroup(KEYS, values, readIntKey,
+                 "Object::deserialize(): box not complete, so ignoring.")) {
+    return;
+  }
+  setBox(Box(Vector(static_cast<float>(values[0]), static_cast<float>(values[1])),
+             static_cast<float>(values[2]), static_cast<float>(values[3])));
+}
+
+void Object::deserializePosition() {
+  static const char* const KEYS[] = {"pos-x", "pos-y"};
+  float values[2] = {};
+  if (!readGroup(KEYS, values, readFloatKey,
+                 "Object::deserialize(): position not complete, so ignoring.")) {
+    return;
+  }
+  setPosition(Vector(values[0], values[1]));
+}
+
+void Object::deserializeVelocity() {
+  float value = 0;
+  if (readFloatKey("x_direction", value)) setDirection(Vector(value, direction.getY()));
+  // Through setVelocity: the speed becomes the length of the direction read.
+  if (readFloatKey("y_direction", value)) setVelocity(Vector(direction.getX(), value));
+  if (readFloatKey("speed", value)) setSpeed(value);
+}
+
+void Object::deserializeAcceleration() {
+  float value = 0;
+  if (readFloatKey("x_acceleration", value)) {
+    setAcceleration(Vector(value, acceleration.getY()));
+  }
+  if (readFloatKey("y_acceleration", value)) {
+    setAcceleration(Vector(acceleration.getX(), value));
+  }
+}
+
+void Object::deserializeShape() {
+  static const char* const KEYS[] = {"shape", "size", "color", "opacity"};
+  std::string texts[4];
+  for (int i = 0; i < 4; i++) {
+    texts[i] = valueOf(KEYS[i]);
+    if (texts[i].empty()) return;
+  }
+  for (int i = 0; i < 4; i++) {
+    logManager().writeLog(20, "Object::deserialize(): %s is '%s'", KEYS[i], texts[i].c_str());
+  }
+  int shape_type = 0;
+  float size = 0;
+  Color color = BLACK;
+  int opacity = 0;
+  if (!readInt(texts[0], shape_type) || !readFloat(texts[1], size) || !readColor(texts[2], color) ||
+      !readInt(texts[3], opacity) || opacity < 0 || opacity > 255) {
+    return;
+  }
+  Shape received = shape;
+  received.setType(shape_type);
+  received.setSize(size);
+  received.setColor(color);
+  received.setOpacity(static_cast<unsigned char>(opacity));
+  setShape(received);
+}
+
+void Object::deserializePath(const std::string& str) {
+  const std::string text = matchKeepingBlanks(str, "path");
+  if (!text.empty()) setPath(readPath(text));
+}
 
 int Object::draw() {
   const int result = animation.draw(position);

@@ -11,7 +11,9 @@
 
 namespace vt {
 
-enum Solidness {
+class PathFind;
+
+enum Solidness : int {
   HARD = 0,  // collides with and is blocked by other HARD objects
   SOFT,      // collides with everything, blocks only objects with no_soft set
   SPECTRAL,  // never collides
@@ -56,9 +58,16 @@ class Object {
 
   virtual ~Object();
   virtual int setPosition(Vector new_position);
-  // Returns 1 when the event was handled.
+  // Returns 1 when the event was handled. The base handles "vt-path": a
+  // path found is followed, and the search is released either way.
   virtual int eventHandler(const Event* p_event);
   virtual int draw();
+  // The attribute groups chosen by attr as "key:value," entries: every group
+  // for "ALL", the modified ones for "", else the groups named in attr, as in
+  // "POSITION,SPEED,". The groups written are no longer modified.
+  virtual std::string serialize(std::string attr = "");
+  // Sets every attribute that str holds in a readable form; returns 0.
+  virtual int deserialize(std::string str);
   virtual bool isModified() const;
   virtual bool isModified(int attribute) const;
 
@@ -108,6 +117,12 @@ class Object {
   std::list<Vector> getPath() const { return path; }
   void setFollowPath(bool new_follow_path = true);
   bool getFollowPath() const { return follow_path; }
+  // Starts a search for a path to the target; the path is followed once
+  // found. A search under way is abandoned.
+  void pathTo(Vector target);
+  // As pathTo(position), for a path to the object's position; the other
+  // object does not block the way to itself.
+  void pathTo(Object* p_target);
   // Moves along the path: called by the world update after the move.
   void stepPath();
   // Adds the acceleration to the velocity: called after stepPath.
@@ -124,6 +139,20 @@ class Object {
 
  private:
   void pointAtFirstWaypoint();
+  // Removes the search from the path manager and deletes it.
+  void releasePathFind();
+  std::string serializeGroup(int group);
+  std::string serializeEvents() const;
+  std::string serializeBox() const;
+  std::string serializeShape() const;
+  std::string serializePath() const;
+  void deserializeEvents();
+  void deserializeBox();
+  void deserializePosition();
+  void deserializeVelocity();
+  void deserializeAcceleration();
+  void deserializeShape();
+  void deserializePath(const std::string& str);
 
   int id;
   std::string type = "(Undefined)";
@@ -142,6 +171,7 @@ class Object {
   std::string event_name[MAX_OBJ_EVENTS];
   bool modified[ATTRIBUTE_COUNT];
   Shape shape;
+  PathFind* p_path_find = nullptr;
   std::list<Vector> path;
   bool follow_path = false;
   bool avoid_collisions = false;

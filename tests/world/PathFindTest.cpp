@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <memory>
 #include <queue>
 #include <set>
 #include <utility>
@@ -32,9 +33,8 @@ class Seeker : public vt::Object {
   explicit Seeker(Vector position) { setPosition(position); }
 
   int eventHandler(const vt::Event* p_event) override {
-    if (p_event->getType() == vt::PATH_EVENT) {
-      statuses.push_back(static_cast<const vt::EventPath*>(p_event)->getStatus());
-    }
+    const auto* p_path_event = dynamic_cast<const vt::EventPath*>(p_event);
+    if (p_path_event != nullptr) statuses.push_back(p_path_event->getStatus());
     return Object::eventHandler(p_event);
   }
 
@@ -56,7 +56,9 @@ class PathFindTest : public testing::Test {
   void startWorld(int width, int height) {
     vt::WorldManager::getInstance().setBoundary(
         vt::Box(Vector(0, 0), static_cast<float>(width), static_cast<float>(height)));
-    if (!paths().isStarted()) ASSERT_EQ(paths().startUp(), 0);
+    if (!paths().isStarted()) {
+      ASSERT_EQ(paths().startUp(), 0);
+    }
   }
 
   // Runs the searches to their end within one generous frame.
@@ -333,19 +335,33 @@ TEST_F(PathFindTest, SearchesAreReleasedByTheirObjects) {
   EXPECT_NE(engine->logText().find("PathManager not started!"), std::string::npos);
 }
 
-TEST_F(PathFindTest, AFoundPathIsFollowedSeveralCloseWaypointsAStep) {
-  auto* p_seeker = new Seeker(Vector(2, 2));
-  p_seeker->setSolidness(vt::SPECTRAL);
-  p_seeker->setSpeed(3.0f);
-  p_seeker->pathTo(Vector(12, 2));
+TEST_F(PathFindTest, FoundPathsAreWalkedAndCloseWaypointsTakenTogether) {
+  auto* p_walker = new Seeker(Vector(2, 2));
+  auto* p_runner = new Seeker(Vector(2, 4));
+  for (Seeker* p_seeker : {p_walker, p_runner}) {
+    p_seeker->setSolidness(vt::SPECTRAL);
+    p_seeker->pathTo(p_seeker->getPosition() + Vector(10, 0));
+  }
+  p_walker->setSpeed(1.0f);
+  p_runner->setSpeed(1.5f);
   finishSearches();
-  ASSERT_EQ(p_seeker->getPath().size(), 11u);
-  EXPECT_EQ(p_seeker->getDirection(), Vector(1, 0));
-  // Each step moves 3 cells and then takes every waypoint within 2.25.
-  vt::WorldManager::getInstance().update();
-  EXPECT_EQ(p_seeker->getPosition(), Vector(7, 2));
-  EXPECT_EQ(p_seeker->getPath().size(), 5u);
-  for (int step = 0; step < 3; step++) vt::WorldManager::getInstance().update();
-  EXPECT_EQ(p_seeker->getPosition(), Vector(12, 2));
-  EXPECT_FALSE(p_seeker->getFollowPath());
+  ASSERT_EQ(p_walker->getPath().size(), 11u);
+  ASSERT_EQ(p_runner->getPath().size(), 11u);
+  // The first waypoint is the start cell, taken in the first step.
+  // Waypoints one cell apart lie beyond 0.75 x 1: the walker takes one cell
+  // per step. Within 0.75 x 1.5, the runner takes all of them at once.
+  vt::WorldManager& world = vt::WorldManager::getInstance();
+  world.update();
+  EXPECT_EQ(p_walker->getPosition(), Vector(2, 2));
+  EXPECT_EQ(p_walker->getPath().size(), 10u);
+  EXPECT_EQ(p_walker->getDirection(), Vector(1, 0));
+  EXPECT_EQ(p_runner->getPosition(), Vector(12, 4));
+  EXPECT_FALSE(p_runner->getFollowPath());
+  EXPECT_TRUE(p_runner->getDirection().isZero());
+  for (int step = 2; step <= 6; step++) world.update();
+  EXPECT_EQ(p_walker->getPosition(), Vector(7, 2));
+  EXPECT_EQ(p_walker->getPath().size(), 5u);
+  for (int step = 7; step <= 11; step++) world.update();
+  EXPECT_EQ(p_walker->getPosition(), Vector(12, 2));
+  EXPECT_FALSE(p_walker->getFollowPath());
 }

@@ -1,0 +1,111 @@
+#include "world/PathManager.h"
+
+#include <algorithm>
+
+#include "core/Clock.h"
+#include "core/LogManager.h"
+#include "world/EventPath.h"
+#include "world/Object.h"
+#include "world/PathFind.h"
+
+namespace vt {
+
+namespace {
+
+int elapsedMs(const Clock& clock) {
+  return static_cast<int>(clock.split() / 1000);
+}
+
+}  // namespace
+
+PathManager::PathManager() {
+  setType("PathManager");
+}
+
+PathManager& PathManager::getInstance() {
+  static PathManager path_manager;
+  return path_manager;
+}
+
+int PathManager::startUp() {
+  const LogManager& log_manager = LogManager::getInstance();
+  if (isStarted()) {
+    log_manager.writeLog("%s::startup(): Warning! %s already started.", getType().c_str(),
+                         getType().c_str());
+    return -1;
+  }
+  pending.clear();
+  Manager::startUp();
+  log_manager.writeLog("PathManager::startUp(): successfully started.");
+  return 0;
+}
+
+void PathManager::shutDown() {
+  Manager::shutDown();
+  pending.clear();
+  LogManager::getInstance().writeLog("PathManager::shutDown(): successfully stopped.");
+}
+
+int PathManager::insert(PathFind* p_path_find) {
+  if (notStarted()) return -1;
+  if (p_path_find == nullptr ||
+      std::find(pending.begin(), pending.end(), p_path_find) != pending.end()) {
+    return -1;
+  }
+  pending.push_back(p_path_find);
+  return 0;
+}
+
+int PathManager::remove(const PathFind* p_path_find) {
+  if (p_path_find == nullptr) return -1;
+  const auto found = std::find(pending.begin(), pending.end(), p_path_find);
+  if (found == pending.end()) return -1;
+  *found = nullptr;
+  return 0;
+}
+
+int PathManager::getPendingCount() const {
+  return static_cast<int>(pending.size()) -
+         static_cast<int>(std::count(pending.begin(), pending.end(), nullptr));
+}
+
+void PathManager::cycle(int time_ms) {
+  if (notStarted()) return;
+  const int budget_ms = std::max(min_time_ms, time_ms);
+  const Clock clock;
+  closeGaps();
+  while (!pending.empty() && elapsedMs(clock) < budget_ms) cyclePass(clock, budget_ms);
+  if (elapsedMs(clock) > budget_ms) {
+    LogManager::getInstance().writeLog(5, "PathManager::cycle(): cycle time %d exceeded.",
+                                       budget_ms);
+  }
+}
+
+void PathManager::cyclePass(const Clock& clock, int budget_ms) {
+  // Indexed: handlers may add searches (at the end) or remove them (leaving
+  // gaps) while the pass goes on.
+  for (std::size_t i = 0; i < pending.size(); i++) {
+    if (pending[i] == nullptr) continue;
+    const int status = pending[i]->cycleOnce();
+    if (status != PATH_SEARCHING) finish(i, status);
+    if (elapsedMs(clock) > budget_ms) break;
+  }
+  closeGaps();
+}
+
+void PathManager::finish(std::size_t index, int status) {
+  const PathFind* p_path_find = pending[index];
+  pending[index] = nullptr;
+  Object* p_object = p_path_find->getObject();
+  if (p_object == nullptr) return;
+  const EventPath event(status,
+                        status == PATH_FOUND ? p_path_find->getPath() : std::list<Vector>());
+  // The handler may delete the search.
+  p_object->eventHandler(&event);
+}
+
+void PathManager::closeGaps() {
+  pending.erase(std::remove(pending.begin(), pending.end(), nullptr), pending.end());
+}
+
+}  // namespace vt
