@@ -5,6 +5,7 @@
 
 #include "core/LogManager.h"
 #include "core/Match.h"
+#include "core/Utility.h"
 
 namespace vt {
 
@@ -12,18 +13,22 @@ namespace {
 
 const char* const DEFAULT_CONFIG_FILE = "vt-config.txt";
 
-// Stores the integer value of the key, when it has one.
-void readInt(const Config& config, const char* key, int& field) {
+// Stores the integer value of the key, when it has one. Values read as
+// atoi reads them ("12ms" is 12, "abc" is 0); one too large for an int is 0.
+void storeInt(const Config& config, const char* key, int& field) {
   const std::string value = config.match(key);
-  if (!value.empty()) field = std::atoi(value.c_str());
+  if (value.empty()) return;
+  int number = 0;
+  readInt(value, number);
+  field = number;
 }
 
-void readString(const Config& config, const char* key, std::string& field) {
+void storeString(const Config& config, const char* key, std::string& field) {
   const std::string value = config.match(key);
   if (!value.empty()) field = value;
 }
 
-void readBool(const Config& config, const char* key, bool& field) {
+void storeBool(const Config& config, const char* key, bool& field) {
   const std::string value = config.match(key);
   if (!value.empty()) field = (value == "true");
 }
@@ -67,26 +72,26 @@ std::string Config::match(std::string key) const {
 int Config::loadConfig(std::string text) {
   if (text.empty()) text = readConfig();
   config = text;
-  readInt(*this, "frame_time", frame_time);
+  storeInt(*this, "frame_time", frame_time);
   const std::string scale = match("font_scale");
   if (!scale.empty()) font_scale = static_cast<float>(std::atof(scale.c_str()));
-  readInt(*this, "window_horizontal_pixels", window_horizontal_pixels);
-  readInt(*this, "window_vertical_pixels", window_vertical_pixels);
-  readInt(*this, "window_horizontal_chars", window_horizontal_chars);
-  readInt(*this, "window_vertical_chars", window_vertical_chars);
+  storeInt(*this, "window_horizontal_pixels", window_horizontal_pixels);
+  storeInt(*this, "window_vertical_pixels", window_vertical_pixels);
+  storeInt(*this, "window_horizontal_chars", window_horizontal_chars);
+  storeInt(*this, "window_vertical_chars", window_vertical_chars);
   readBackgroundColor();
   readWindowStyle();
-  readString(*this, "window_title", window_title);
-  readBool(*this, "show_mouse", show_mouse);
-  readBool(*this, "headless", headless);
-  readString(*this, "font_file", font_file);
-  readString(*this, "logfile", logfile);
-  readInt(*this, "random_seed", random_seed);
-  readBool(*this, "networking", networking);
-  readInt(*this, "grid_width", grid_width);
-  readInt(*this, "grid_height", grid_height);
-  readInt(*this, "quadtree_depth", quadtree_depth);
-  readInt(*this, "quadtree_threshold", quadtree_threshold);
+  storeString(*this, "window_title", window_title);
+  storeBool(*this, "show_mouse", show_mouse);
+  storeBool(*this, "headless", headless);
+  storeString(*this, "font_file", font_file);
+  storeString(*this, "logfile", logfile);
+  storeInt(*this, "random_seed", random_seed);
+  storeBool(*this, "networking", networking);
+  storeInt(*this, "grid_width", grid_width);
+  storeInt(*this, "grid_height", grid_height);
+  storeInt(*this, "quadtree_depth", quadtree_depth);
+  storeInt(*this, "quadtree_threshold", quadtree_threshold);
   return 0;
 }
 

@@ -89,6 +89,7 @@ bool isBlank(sf::Uint32 code) {
 
 int clampedIndex(float position, float bucket_size, int count) {
   const float index = std::floor(position / bucket_size);
+  if (std::isnan(index)) return 0;
   return static_cast<int>(std::clamp(index, 0.0f, static_cast<float>(count - 1)));
 }
 
@@ -230,6 +231,14 @@ int DisplayManager::startUp() {
   window_vertical_pixels = config.getWindowVerticalPixels();
   window_horizontal_chars = config.getWindowHorizontalChars();
   window_vertical_chars = config.getWindowVerticalChars();
+  if (window_horizontal_pixels < 1 || window_vertical_pixels < 1 || window_horizontal_chars < 1 ||
+      window_vertical_chars < 1) {
+    log_manager.writeLog(
+        "DisplayManager::startUp(): Error! Window of %dx%d pixels and %dx%d characters.",
+        window_horizontal_pixels, window_vertical_pixels, window_horizontal_chars,
+        window_vertical_chars);
+    return -1;
+  }
   if (config.getHeadless()) {
     log_manager.writeLog(1,
                          "DisplayManager::startUp(): not doing graphics since in headless mode.");
@@ -291,8 +300,10 @@ int DisplayManager::loadFont() {
     p_font.reset();
     return -1;
   }
-  const float cell = std::min(charWidth(), charHeight());
-  char_size = static_cast<unsigned int>(cell * Config::getInstance().getFontScale());
+  // A scale from the configuration can be anything: keep the size usable.
+  const float size = std::min(charWidth(), charHeight()) * Config::getInstance().getFontScale();
+  char_size =
+      std::isfinite(size) && size >= 1 ? static_cast<unsigned int>(std::min(size, 1024.0f)) : 1;
   for (sf::Uint32 code = FIRST_PRELOADED_CHAR; code <= LAST_PRELOADED_CHAR; code++) {
     p_font->getGlyph(code, char_size, true);
   }

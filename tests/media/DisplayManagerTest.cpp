@@ -216,3 +216,13 @@ TEST(ViewConversion, WorldAndViewDifferByTheViewCorner) {
 }
 
 }  // namespace
+
+TEST(DisplayManagerHeadless, RefusesAWindowWithoutCells) {
+  vt::test::TestConfig config(true);
+  vt::Config::getInstance().loadConfig("window_vertical_chars:0,");
+  vt::DisplayManager& display_manager = vt::DisplayManager::getInstance();
+  EXPECT_EQ(display_manager.startUp(), -1);
+  EXPECT_FALSE(display_manager.isStarted());
+  EXPECT_TRUE(contains(config.logText(), "DisplayManager::startUp(): Error! Window of 1024x768 "
+                                         "pixels and 80x0 characters."));
+}
