@@ -30,6 +30,22 @@ int splash() {
   return 0;
 }
 
+bool leaveOrSkip(Object* p_object, const Event* p_event, int& result) {
+  GameManager& game_manager = GameManager::getInstance();
+  if (game_manager.getGameOver()) {
+    WorldManager::getInstance().markForDelete(p_object);
+    result = 0;
+    return true;
+  }
+  if (p_event->getType() == KEYBOARD_EVENT) {
+    game_manager.setGameOver();
+    WorldManager::getInstance().markForDelete(p_object);
+    result = 1;
+    return true;
+  }
+  return false;
+}
+
 Splash::Splash() : p_banner(makeBannerSprite()) {
   Animation banner;
   banner.setSprite(p_banner.get());
@@ -51,16 +67,8 @@ Splash::Splash() : p_banner(makeBannerSprite()) {
 Splash::~Splash() = default;
 
 int Splash::eventHandler(const Event* p_event) {
-  GameManager& game_manager = GameManager::getInstance();
-  if (game_manager.getGameOver()) {
-    WorldManager::getInstance().markForDelete(this);
-    return 0;
-  }
-  if (p_event->getType() == KEYBOARD_EVENT) {
-    game_manager.setGameOver();
-    WorldManager::getInstance().markForDelete(this);
-    return 1;
-  }
+  int result = 0;
+  if (leaveOrSkip(this, p_event, result)) return result;
   if (p_event->getType() != STEP_EVENT) return 0;
   countdown--;
   if (countdown == 0) {

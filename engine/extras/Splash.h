@@ -12,6 +12,11 @@ namespace vt {
 // Returns 0, or -1 when the game manager is not started.
 int splash();
 
+// What both splash objects do first with an event: once the game is over
+// they leave, and any key ends the splash at once. True when the event was
+// dealt with, its handler's result then in result.
+bool leaveOrSkip(Object* p_object, const Event* p_event, int& result);
+
 // The sliding banner of the splash screen.
 class Splash : public Object {
  public:

@@ -1,6 +1,7 @@
 #include "extras/SplashVantor.h"
 
 #include "core/GameManager.h"
+#include "extras/Splash.h"
 #include "extras/SplashArt.h"
 #include "media/Animation.h"
 #include "world/WorldManager.h"
@@ -33,16 +34,8 @@ SplashVantor::SplashVantor(Vector target) : target_position(target), p_emblem(ma
 SplashVantor::~SplashVantor() = default;
 
 int SplashVantor::eventHandler(const Event* p_event) {
-  GameManager& game_manager = GameManager::getInstance();
-  if (game_manager.getGameOver()) {
-    WorldManager::getInstance().markForDelete(this);
-    return 0;
-  }
-  if (p_event->getType() == KEYBOARD_EVENT) {
-    game_manager.setGameOver();
-    WorldManager::getInstance().markForDelete(this);
-    return 1;
-  }
+  int result = 0;
+  if (leaveOrSkip(this, p_event, result)) return result;
   if (p_event->getType() != STEP_EVENT) return 0;
   step();
   return 1;
