@@ -13,6 +13,7 @@
 #include "core/Config.h"
 #include "core/LogManager.h"
 #include "media/DisplayManager.h"
+#include "media/Frame.h"
 #include "support/TestSupport.h"
 #include "world/WorldManager.h"
 
@@ -359,3 +360,21 @@ TEST_F(DisplayWindowTest, WindowAsLargeAsTheScreenIsWhollyVisible) {
 }
 
 }  // namespace
+
+// A frame is drawn centred on its position: a 4 x 2 frame puts its cells on
+// half-cell positions, exactly as drawing them one by one there would.
+TEST_F(DisplayWindowTest, FramesAreCentredOnTheirPositionEvenWhenEven) {
+  const vt::Frame frame(4, 2, "ab#.cd+*");
+  ASSERT_EQ(frame.draw(vt::Vector(20, 6), vt::CYAN, '.'), 0);
+  const sf::Image drawn_as_frame = showAndCapture();
+
+  const std::string cells = "ab#.cd+*";
+  for (int i = 0; i < 8; i++) {
+    if (cells[i] == '.') continue;
+    const vt::Vector where(18.5f + static_cast<float>(i % 4), 5.5f + static_cast<float>(i / 4));
+    display_manager.drawCh(where, cells[i], vt::CYAN);
+  }
+  const sf::Image drawn_by_hand = showAndCapture();
+  EXPECT_GT(inkBounds(drawn_as_frame, sf::Color::Black).width, 0);
+  EXPECT_EQ(vt::test::countDifferentPixels(drawn_as_frame, drawn_by_hand), 0);
+}
