@@ -36,8 +36,8 @@ void sleepMilliseconds(int milliseconds) {
   const std::int64_t NS_PER_S = 1000000000;
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);
-  std::int64_t wake = static_cast<std::int64_t>(now.tv_sec) * NS_PER_S + now.tv_nsec +
-                      milliseconds * NS_PER_MS;
+  std::int64_t wake =
+      static_cast<std::int64_t>(now.tv_sec) * NS_PER_S + now.tv_nsec + milliseconds * NS_PER_MS;
   wake = (wake + NS_PER_MS - 1) / NS_PER_MS * NS_PER_MS;
   const timespec target{static_cast<time_t>(wake / NS_PER_S), static_cast<long>(wake % NS_PER_S)};
   while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &target, nullptr) == EINTR) {
@@ -62,14 +62,18 @@ void stopManager(Manager& manager, const char* note) {
 
 }  // namespace
 
-GameManager::GameManager() { setType("GameManager"); }
+GameManager::GameManager() {
+  setType("GameManager");
+}
 
 GameManager& GameManager::getInstance() {
   static GameManager game_manager;
   return game_manager;
 }
 
-bool GameManager::isValid(std::string event_type) const { return event_type == STEP_EVENT; }
+bool GameManager::isValid(std::string event_type) const {
+  return event_type == STEP_EVENT;
+}
 
 int GameManager::startUp() {
   LogManager& log_manager = LogManager::getInstance();
@@ -115,9 +119,8 @@ int GameManager::startManagers() {
                     "Display manager started.") ||
       !startManager(InputManager::getInstance(), "Error starting input manager!",
                     "Input manager started.") ||
-      (networking &&
-       !startManager(NetworkManager::getInstance(), "Error starting network manager!",
-                     "Network manager started.")) ||
+      (networking && !startManager(NetworkManager::getInstance(), "Error starting network manager!",
+                                   "Network manager started.")) ||
       !startManager(ResourceManager::getInstance(), "Error starting resource manager!",
                     "Resource manager started.") ||
       !startManager(WorldManager::getInstance(), "Error starting world manager!",
@@ -149,8 +152,7 @@ void GameManager::seedRandom() const {
 void GameManager::shutDown() {
   LogManager& log_manager = LogManager::getInstance();
   game_over = true;
-  if (previous_timer_slack != 0 &&
-      prctl(PR_SET_TIMERSLACK, previous_timer_slack, 0, 0, 0) != 0) {
+  if (previous_timer_slack != 0 && prctl(PR_SET_TIMERSLACK, previous_timer_slack, 0, 0, 0) != 0) {
     log_manager.writeLog(
         1, "GameManager()::shutDown(): Warning! timeEndPeriod() cannot accept 1 msec.");
   }

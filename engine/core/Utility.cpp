@@ -13,7 +13,9 @@
 
 namespace vt {
 
-bool valueInRange(float value, float min, float max) { return min <= value && value <= max; }
+bool valueInRange(float value, float min, float max) {
+  return min <= value && value <= max;
+}
 
 bool boxContainsPosition(const Box& box, const Vector& position) {
   const Vector corner = box.getCorner();
@@ -31,10 +33,10 @@ bool boxIntersectsBox(const Box& a, const Box& b) {
   const float ay = a.getCorner().getY();
   const float bx = b.getCorner().getX();
   const float by = b.getCorner().getY();
-  const bool x_overlap = valueInRange(ax, bx, bx + b.getHorizontal()) ||
-                         valueInRange(bx, ax, ax + a.getHorizontal());
-  const bool y_overlap = valueInRange(ay, by, by + b.getVertical()) ||
-                         valueInRange(by, ay, ay + a.getVertical());
+  const bool x_overlap =
+      valueInRange(ax, bx, bx + b.getHorizontal()) || valueInRange(bx, ax, ax + a.getHorizontal());
+  const bool y_overlap =
+      valueInRange(ay, by, by + b.getVertical()) || valueInRange(by, ay, ay + a.getVertical());
   return x_overlap && y_overlap;
 }
 
@@ -77,7 +79,9 @@ bool boxIntersectsLine(const Box& box, const Line& line) {
   return true;
 }
 
-Box getWorldBox(const Object* p_object) { return getWorldBox(p_object, p_object->getPosition()); }
+Box getWorldBox(const Object* p_object) {
+  return getWorldBox(p_object, p_object->getPosition());
+}
 
 Box getWorldBox(const Object* p_object, const Vector& where) {
   Box box = p_object->getBox();
@@ -91,9 +95,13 @@ std::string toString(float value) {
   return stream.str();
 }
 
-std::string toString(int value) { return std::to_string(value); }
+std::string toString(int value) {
+  return std::to_string(value);
+}
 
-std::string toString(bool value) { return value ? "true" : "false"; }
+std::string toString(bool value) {
+  return value ? "true" : "false";
+}
 
 bool readInt(const std::string& text, int& value) {
   char* p_end = nullptr;

@@ -145,7 +145,9 @@ Manager& managerFor(const std::string& event_type, bool unregistering = false) {
   return WorldManager::getInstance();
 }
 
-SceneGraph& sceneGraph() { return WorldManager::getInstance().getSceneGraph(); }
+SceneGraph& sceneGraph() {
+  return WorldManager::getInstance().getSceneGraph();
+}
 
 }  // namespace
 
@@ -167,7 +169,9 @@ void Object::releasePathFind() {
   p_path_find = nullptr;
 }
 
-void Object::setModified(int attribute, bool value) { modified[attribute] = value; }
+void Object::setModified(int attribute, bool value) {
+  modified[attribute] = value;
+}
 
 bool Object::isModified() const {
   for (const bool flag : modified) {
@@ -271,7 +275,9 @@ int Object::setPosition(Vector new_position) {
   return 0;
 }
 
-void Object::setDirection(Vector new_direction) { direction = new_direction; }
+void Object::setDirection(Vector new_direction) {
+  direction = new_direction;
+}
 
 void Object::setSpeed(float new_speed) {
   if (new_speed == speed) return;
@@ -288,7 +294,9 @@ void Object::setVelocity(Vector velocity) {
   modified[SPEED] = true;
 }
 
-Vector Object::getVelocity() const { return direction * speed; }
+Vector Object::getVelocity() const {
+  return direction * speed;
+}
 
 void Object::setAcceleration(Vector new_acceleration) {
   if (new_acceleration == acceleration) return;
@@ -296,7 +304,9 @@ void Object::setAcceleration(Vector new_acceleration) {
   modified[ACCELERATION] = true;
 }
 
-Vector Object::predictPosition() const { return position + getVelocity(); }
+Vector Object::predictPosition() const {
+  return position + getVelocity();
+}
 
 int Object::setAnimation(Animation new_animation, bool set_box) {
   animation = new_animation;

@@ -223,6 +223,7 @@ TEST(DisplayManagerHeadless, RefusesAWindowWithoutCells) {
   vt::DisplayManager& display_manager = vt::DisplayManager::getInstance();
   EXPECT_EQ(display_manager.startUp(), -1);
   EXPECT_FALSE(display_manager.isStarted());
-  EXPECT_TRUE(contains(config.logText(), "DisplayManager::startUp(): Error! Window of 1024x768 "
-                                         "pixels and 80x0 characters."));
+  EXPECT_TRUE(contains(config.logText(),
+                       "DisplayManager::startUp(): Error! Window of 1024x768 "
+                       "pixels and 80x0 characters."));
 }

@@ -78,8 +78,9 @@ TEST(HudWindowTest, SpriteFilesAndACounterThatRealKeysChange) {
                         << " ^ \n/#\\\n"
                         << " ^ \n/*\\\n";
   const std::string sectioned = config.folder() + "/saucer.txt";
-  std::ofstream(sectioned) << "<HEADER>\nframes 1\nwidth 5\nheight 2\ncolor green\n</HEADER>\n"
-                           << "<BODY>\n(ooo)\n /_\\ \nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n";
+  std::ofstream(sectioned)
+      << "<HEADER>\nframes 1\nwidth 5\nheight 2\ncolor green\n</HEADER>\n"
+      << "<BODY>\n(ooo)\n /_\\ \nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n";
 
   vt::DisplayManager& display = vt::DisplayManager::getInstance();
   vt::InputManager& input = vt::InputManager::getInstance();
