@@ -24,11 +24,15 @@ class Music : private AudioEnvironment {
   void play(bool loop);
   void stop();
   void pause();
-  sf::SoundSource::Status getStatus() const { return music.getStatus(); }
+  sf::SoundSource::Status getStatus() const;
+  // How far into the track playing has got.
+  sf::Time getPlayingOffset() const;
 
  private:
   sf::Music music;
   std::string label;
+  // Stopped: silent now, back to the start at the next play.
+  bool rewind_pending = false;
 };
 
 }  // namespace vt

@@ -126,9 +126,24 @@ TEST(Music, StreamsPausesAndStops) {
     EXPECT_EQ(music.getStatus(), sf::SoundSource::Paused);
     music.stop();
     EXPECT_EQ(music.getStatus(), sf::SoundSource::Stopped);
+    EXPECT_EQ(music.getPlayingOffset(), sf::Time::Zero);
+    // Played again after a stop, a long track starts from the beginning.
+    vt::Music long_music;
+    ASSERT_EQ(long_music.loadMusic(engine.writeWav("long.wav", SHORT * 20)), 0);
+    long_music.play(false);
+    pause(600);
+    EXPECT_GE(long_music.getPlayingOffset(), sf::milliseconds(400));
+    long_music.stop();
+    music.play(true);
+    long_music.play(false);
+    pause(100);
+    EXPECT_EQ(long_music.getStatus(), sf::SoundSource::Playing);
+    EXPECT_LT(long_music.getPlayingOffset(), sf::milliseconds(400));
     EXPECT_EQ(engine.newLogLines(),
               (Lines{"Music::play(): Playing music.", "Music::play(): Playing music.",
-                     "Music::pause(): Pausing music.", "Music::stop(): Stopping music."}));
+                     "Music::pause(): Pausing music.", "Music::stop(): Stopping music.",
+                     "Music::play(): Playing music.", "Music::stop(): Stopping music.",
+                     "Music::play(): Playing music.", "Music::play(): Playing music."}));
   }
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
