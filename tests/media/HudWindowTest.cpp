@@ -77,7 +77,7 @@ TEST(HudWindowTest, SpriteFilesAndACounterThatRealKeysChange) {
   std::ofstream(simple) << "2\n3\n2\n4\nmagenta\n"
                         << " ^ \n/#\\\n"
                         << " ^ \n/*\\\n";
-  const std::string sectioned = config.folder() + "/saucer.txt";
+  const std::string sectioned = config.folder() + "/lander.txt";
   std::ofstream(sectioned)
       << "<HEADER>\nframes 1\nwidth 5\nheight 2\ncolor green\n</HEADER>\n"
       << "<BODY>\n(ooo)\n /_\\ \nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n";
@@ -92,10 +92,10 @@ TEST(HudWindowTest, SpriteFilesAndACounterThatRealKeysChange) {
   ASSERT_EQ(world.startUp(), 0);
   world.setView(vt::Box(Vector(0, 0), 80, 24));
   ASSERT_EQ(resources.loadSprite(simple, "rocket"), 0) << config.logText();
-  ASSERT_EQ(resources.loadSprite(sectioned, "saucer"), 0) << config.logText();
+  ASSERT_EQ(resources.loadSprite(sectioned, "lander"), 0) << config.logText();
 
   showSprite("rocket", Vector(20, 12));
-  showSprite("saucer", Vector(60, 12));
+  showSprite("lander", Vector(60, 12));
   auto* p_counter = new vt::ViewObject;
   p_counter->setViewString("Keys");
   p_counter->setColor(vt::YELLOW);

@@ -117,7 +117,7 @@ TEST(ObjectSerialization, GroupsChosenByName) {
 TEST(ObjectSerialization, RoundTripsThatHoldAndThatDoNot) {
   test::HeadlessEngine engine;
   auto* p_source = new Object;
-  p_source->setType("Saucer");
+  p_source->setType("Lander");
   p_source->setActive(false);
   p_source->setVisible(false);
   p_source->setBox(Box(Vector(-2, -1), 4, 2));
@@ -148,7 +148,7 @@ TEST(ObjectSerialization, RoundTripsThatHoldAndThatDoNot) {
   clearFlags(p_copy);
   EXPECT_EQ(p_copy->deserialize(text), 0);
   EXPECT_EQ(p_copy->getId(), p_source->getId());
-  EXPECT_EQ(p_copy->getType(), "Saucer");
+  EXPECT_EQ(p_copy->getType(), "Lander");
   EXPECT_FALSE(p_copy->isActive());
   EXPECT_FALSE(p_copy->isVisible());
   EXPECT_EQ(p_copy->getBox(), p_source->getBox());
