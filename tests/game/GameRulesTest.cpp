@@ -5,11 +5,13 @@
 #include "Bullet.h"
 #include "Drelk.h"
 #include "EnemyBullet.h"
+#include "Explosion.h"
 #include "GameFixture.h"
 #include "GameOver.h"
 #include "GameStart.h"
 #include "Hero.h"
 #include "Points.h"
+#include "Reticle.h"
 #include "Star.h"
 #include "media/EventMouse.h"
 #include "media/EventView.h"
@@ -287,4 +289,34 @@ TEST_F(GameFixture, EveryResourceOfTheGameLoads) {
     EXPECT_NE(resources.getMusic(label), nullptr) << label;
   }
   EXPECT_EQ(engine.logText().find("Error"), std::string::npos);
+}
+
+TEST_F(GameFixture, ScoreTicksStarsWrapTheReticleFollowsAndExplosionsFade) {
+  auto* p_points = new Points;
+  // Any 60 steps in a row hold two multiples of 30.
+  step(60);
+  EXPECT_EQ(p_points->getValue(), 2);
+
+  auto* p_star = new Star;
+  EXPECT_EQ(p_star->getSolidness(), vt::SPECTRAL);
+  EXPECT_LT(p_star->getVelocity().getX(), 0);
+  p_star->setPosition(Vector(-1, 5));
+  const vt::EventOut out;
+  p_star->eventHandler(&out);
+  EXPECT_GE(p_star->getPosition().getX(), 80);
+  EXPECT_LT(p_star->getPosition().getY(), 24);
+
+  auto* p_reticle = new Reticle;
+  vt::EventMouse move;
+  move.setMouseAction(vt::MOVED);
+  move.setMousePosition(Vector(7, 9));
+  p_reticle->eventHandler(&move);
+  EXPECT_EQ(p_reticle->getPosition(), Vector(7, 9));
+
+  new Explosion;
+  const int frames = vt::ResourceManager::getInstance().getSprite("explosion")->getFrameCount();
+  step(frames - 1);
+  EXPECT_EQ(countOf("Explosion"), 1);
+  step();
+  EXPECT_EQ(countOf("Explosion"), 0);
 }
