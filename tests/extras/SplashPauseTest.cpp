@@ -99,19 +99,30 @@ TEST_F(SplashTest, TheBannerSlidesInAndTheEmblemRisesBesideIt) {
   auto* p_banner = new vt::Splash;
   const vt::Box view = WorldManager::getInstance().getView();
   EXPECT_GT(p_banner->getPosition().getX(), view.getHorizontal());
-  for (int step = 0; step < 15; step++) {
-    const vt::EventStep step_event(step);
+  const auto step = [](int number) {
+    const vt::EventStep step_event(number);
     GameManager::getInstance().onEvent(&step_event);
+  };
+  for (int number = 0; number < 14; number++) {
+    step(number);
     WorldManager::getInstance().update();
   }
-  // At rest left of the centre, the emblem below the view.
+  step(14);
+  // At rest left of the centre, the emblem six rows below the view.
   EXPECT_EQ(p_banner->getVelocity(), vt::Vector());
   EXPECT_LT(p_banner->getPosition().getX(), view.getHorizontal() / 2);
   EXPECT_GT(p_banner->getPosition().getX(), view.getHorizontal() / 2 - 24);
   ASSERT_EQ(countOfType("SplashVantor"), 1);
   vt::Object* p_emblem = WorldManager::getInstance().objectsOfType("SplashVantor")[0];
-  EXPECT_GT(p_emblem->getPosition().getY(), view.getVertical());
-  EXPECT_EQ(p_emblem->getPosition().getX(), p_banner->getPosition().getX() + 24);
+  const vt::Vector target = p_banner->getPosition() + vt::Vector(24, 1);
+  EXPECT_EQ(p_emblem->getPosition(), vt::Vector(target.getX(), view.getVertical() + 6));
+  // It rises to its row in 30 steps and stays there.
+  for (int number = 15; number < 60; number++) {
+    WorldManager::getInstance().update();
+    step(number);
+  }
+  EXPECT_NEAR(p_emblem->getPosition().getY(), target.getY(), 0.01);
+  EXPECT_EQ(p_emblem->getVelocity(), vt::Vector());
 }
 
 TEST(Pause, OnlyItsKeyPausesAndWithoutAWindowTheGameGoesOn) {
