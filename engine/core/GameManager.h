@@ -21,6 +21,10 @@ class GameManager : public Manager {
 
   // Runs the loop until the game-over flag is set.
   void run();
+  // Runs one iteration of the loop at once, without pacing: the path
+  // searches get a whole frame time and nothing sleeps. For tests and tools
+  // that drive the loop themselves; the game-over flag is not consulted.
+  void step();
 
   bool getGameOver() const { return game_over; }
   void setGameOver(bool new_game_over = true) { game_over = new_game_over; }
@@ -30,6 +34,10 @@ class GameManager : public Manager {
  private:
   GameManager();
 
+  // One iteration of the loop; paced, it fits the path searches into what
+  // is left of the frame and sleeps away the rest. Returns the oversleep to
+  // carry into the next iteration.
+  int iterate(const class Clock& clock, int adjust_time, bool paced);
   int startManagers();
   void stopManagers();
   void seedRandom() const;
