@@ -3,6 +3,7 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -228,7 +229,9 @@ int GameManager::iterate(const Clock& clock, int adjust_time, bool paced) {
   WorldManager& world_manager = WorldManager::getInstance();
   world_manager.update();
   world_manager.draw();
-  PathManager::getInstance().cycle(paced ? pathBudget(clock, adjust_time) : frame_time);
+  // Unpaced, the searches get a frame's time, and at least one pass.
+  PathManager::getInstance().cycle(paced ? pathBudget(clock, adjust_time)
+                                         : std::max(frame_time, 1));
   if (paced) adjust_time = sleepRestOfFrame(clock, adjust_time);
   step_count++;
   return adjust_time;

@@ -22,7 +22,8 @@ class GameManager : public Manager {
   // Runs the loop until the game-over flag is set.
   void run();
   // Runs one iteration of the loop at once, without pacing: the path
-  // searches get a whole frame time and nothing sleeps. For tests and tools
+  // searches get a whole frame time (at least a millisecond) and nothing
+  // sleeps. For tests and tools
   // that drive the loop themselves; the game-over flag is not consulted.
   void step();
 

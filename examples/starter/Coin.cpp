@@ -27,8 +27,8 @@ int Coin::eventHandler(const vt::Event* p_event) {
 
 void Coin::collect() {
   vt::WorldManager& world_manager = vt::WorldManager::getInstance();
-  // The coin stays in the world until the end of this update, and the
-  // player overlaps it for several steps: SPECTRAL, it is touched no more.
+  // The coin stays in the world until the end of this update: SPECTRAL, it
+  // is touched no more and no longer counts among the coins left.
   setSolidness(vt::SPECTRAL);
   world_manager.markForDelete(this);
   // View events go through the world manager to every view object whose
