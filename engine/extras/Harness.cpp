@@ -62,7 +62,8 @@ Harness::~Harness() {
 }
 
 int Harness::startUp(const std::string& new_log_file) {
-  if (started) return -1;
+  // An engine started elsewhere is not the harness's to drive or stop.
+  if (started || GameManager::getInstance().isStarted()) return -1;
   if (folder.empty()) folder = makeFolder();
   if (folder.empty()) return -1;
   log_file = new_log_file.empty() ? folder + "/vantor.log" : new_log_file;

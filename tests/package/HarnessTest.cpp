@@ -142,6 +142,8 @@ TEST(Harness, ForcesHeadlessAndItsLogThenRestoresWhatItChanged) {
     vt::Harness harness;
     ASSERT_EQ(harness.startUp(log_file), 0);
     EXPECT_EQ(harness.startUp(log_file), -1);
+    vt::Harness second;
+    EXPECT_EQ(second.startUp(), -1);
     EXPECT_EQ(vt::DisplayManager::getInstance().getWindow(), nullptr);
     EXPECT_EQ(vt::WorldManager::getInstance().getBoundary().getHorizontal(), 40);
     vt::LogManager::getInstance().writeLog("a line of the game");
