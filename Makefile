@@ -3,7 +3,7 @@ BUILD ?= build
 SANITIZE_BUILD ?= build-sanitize
 JOBS ?= $(shell nproc)
 
-.PHONY: run test test-sanitize bench deps build build-sanitize clean
+.PHONY: run test test-sanitize bench deps build build-sanitize package clean
 
 deps:
 	@bash tools/install-deps.sh
@@ -31,6 +31,10 @@ test-sanitize: build-sanitize
 	  LSAN_OPTIONS=suppressions=$(CURDIR)/tools/lsan.supp:print_suppressions=0 \
 	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest --output-on-failure -j $(JOBS)
+
+# A Debian package of the engine for game makers, left in $(BUILD)/.
+package: build
+	@cmake --build $(BUILD) --target package
 
 bench: build
 	@for b in $(BUILD)/bench/*; do echo "== $$b"; $$b; done

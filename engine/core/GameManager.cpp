@@ -3,10 +3,13 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <string>
 
 #include "core/Clock.h"
 #include "core/Config.h"
@@ -44,10 +47,28 @@ void sleepMilliseconds(std::int64_t milliseconds) {
   }
 }
 
+// The log file's full name, for a reader in another directory.
+std::string logFilePath() {
+  const std::string name = LogManager::getInstance().getLogFileName();
+  if (!name.empty() && name[0] == '/') return name;
+  char directory[4096];
+  return getcwd(directory, sizeof(directory)) ? std::string(directory) + "/" + name : name;
+}
+
+// One line on standard error, so that a failed start is seen without
+// opening the log.
+void reportStartFailure(const char* what, const std::string& reason) {
+  std::fprintf(stderr, "vantor: cannot start the %s%s%s; see %s\n", what,
+               reason.empty() ? "" : ": ", reason.c_str(), logFilePath().c_str());
+}
+
 // Logs the start of one manager; false when it failed.
-bool startManager(Manager& manager, const char* failure, const char* success) {
+bool startManager(Manager& manager, const char* name, const char* failure, const char* success) {
   LogManager& log_manager = LogManager::getInstance();
+  const std::string message_before = log_manager.getLastMessage();
   if (manager.startUp() != 0) {
+    const std::string message = log_manager.getLastMessage();
+    reportStartFailure(name, message == message_before ? "" : message);
     log_manager.writeLog("%s", failure);
     return false;
   }
@@ -85,6 +106,8 @@ int GameManager::startUp() {
   Config& config = Config::getInstance();
   config.loadConfig("");
   if (log_manager.startUp() != 0) {
+    std::fprintf(stderr, "vantor: cannot start the log manager: cannot write %s\n",
+                 logFilePath().c_str());
     log_manager.writeLog("Error starting log manager!");
     return -1;
   }
@@ -108,6 +131,7 @@ int GameManager::startUp() {
         1, "GameManager()::startUp(): Warning!  timeBeginPeriod() cannot accept 1 msec.");
   }
   game_over = false;
+  step_count = 0;
   Manager::startUp();
   log_manager.writeLog(1, "GameManager successfully started.");
   return 0;
@@ -115,17 +139,18 @@ int GameManager::startUp() {
 
 int GameManager::startManagers() {
   const bool networking = Config::getInstance().getNetworking();
-  if (!startManager(DisplayManager::getInstance(), "Error starting display manager!",
-                    "Display manager started.") ||
-      !startManager(InputManager::getInstance(), "Error starting input manager!",
+  if (!startManager(DisplayManager::getInstance(), "display manager",
+                    "Error starting display manager!", "Display manager started.") ||
+      !startManager(InputManager::getInstance(), "input manager", "Error starting input manager!",
                     "Input manager started.") ||
-      (networking && !startManager(NetworkManager::getInstance(), "Error starting network manager!",
-                                   "Network manager started.")) ||
-      !startManager(ResourceManager::getInstance(), "Error starting resource manager!",
-                    "Resource manager started.") ||
-      !startManager(WorldManager::getInstance(), "Error starting world manager!",
+      (networking &&
+       !startManager(NetworkManager::getInstance(), "network manager",
+                     "Error starting network manager!", "Network manager started.")) ||
+      !startManager(ResourceManager::getInstance(), "resource manager",
+                    "Error starting resource manager!", "Resource manager started.") ||
+      !startManager(WorldManager::getInstance(), "world manager", "Error starting world manager!",
                     "World manager started.") ||
-      !startManager(PathManager::getInstance(), "Error starting path manager!",
+      !startManager(PathManager::getInstance(), "path manager", "Error starting path manager!",
                     "Path manager started.")) {
     return -1;
   }
@@ -181,22 +206,35 @@ void GameManager::run() {
   step_count = 0;
   Clock clock;
   std::int64_t adjust_time = 0;
-  const bool networking = Config::getInstance().getNetworking();
   while (!game_over) {
     clock.delta();
-    const EventStep step_event(step_count);
-    onEvent(&step_event);
-    DisplayManager::getInstance().swapBuffers();
-    InputManager::getInstance().getInput();
-    if (networking) NetworkManager::getInstance().processFrame(clock, frame_time);
-    WorldManager& world_manager = WorldManager::getInstance();
-    world_manager.update();
-    world_manager.draw();
-    PathManager::getInstance().cycle(pathBudget(clock, adjust_time));
-    adjust_time = sleepRestOfFrame(clock, adjust_time);
-    step_count++;
+    adjust_time = iterate(clock, adjust_time, true);
   }
   log_manager.writeLog(1, "GameManager::run(): end of game loop");
+}
+
+void GameManager::step() {
+  const Clock clock;
+  iterate(clock, 0, false);
+}
+
+std::int64_t GameManager::iterate(const Clock& clock, std::int64_t adjust_time, bool paced) {
+  const EventStep step_event(step_count);
+  onEvent(&step_event);
+  DisplayManager::getInstance().swapBuffers();
+  InputManager::getInstance().getInput();
+  if (Config::getInstance().getNetworking()) {
+    NetworkManager::getInstance().processFrame(clock, frame_time);
+  }
+  WorldManager& world_manager = WorldManager::getInstance();
+  world_manager.update();
+  world_manager.draw();
+  // Unpaced, the searches get a frame's time, and at least one pass.
+  PathManager::getInstance().cycle(paced ? pathBudget(clock, adjust_time)
+                                         : std::max(frame_time, 1));
+  if (paced) adjust_time = sleepRestOfFrame(clock, adjust_time);
+  step_count++;
+  return adjust_time;
 }
 
 std::int64_t GameManager::frameMicroseconds() const {

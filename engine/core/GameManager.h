@@ -22,6 +22,11 @@ class GameManager : public Manager {
 
   // Runs the loop until the game-over flag is set.
   void run();
+  // Runs one iteration of the loop at once, without pacing: the path
+  // searches get a whole frame time (at least a millisecond) and nothing
+  // sleeps. For tests and tools
+  // that drive the loop themselves; the game-over flag is not consulted.
+  void step();
 
   bool getGameOver() const { return game_over; }
   void setGameOver(bool new_game_over = true) { game_over = new_game_over; }
@@ -31,6 +36,10 @@ class GameManager : public Manager {
  private:
   GameManager();
 
+  // One iteration of the loop; paced, it fits the path searches into what
+  // is left of the frame and sleeps away the rest. Returns the oversleep to
+  // carry into the next iteration.
+  std::int64_t iterate(const class Clock& clock, std::int64_t adjust_time, bool paced);
   int startManagers();
   void stopManagers();
   void seedRandom() const;

@@ -28,10 +28,10 @@ int LogManager::startUp() {
     return -1;
   }
   const char* p_override = std::getenv("VANTOR_LOG");
-  const std::string file_name = p_override ? p_override : Config::getInstance().getLogFile();
-  p_file = std::fopen(file_name.c_str(), "w");
+  log_file_name = p_override ? p_override : Config::getInstance().getLogFile();
+  p_file = std::fopen(log_file_name.c_str(), "w");
   if (p_file == nullptr) {
-    writeLog("LogManager::startup(): Warning! Unable to open file '%s'.", file_name.c_str());
+    writeLog("LogManager::startup(): Warning! Unable to open file '%s'.", log_file_name.c_str());
     return -1;
   }
   Manager::startUp();
@@ -81,6 +81,12 @@ int LogManager::writeLog(int level, const char* format, ...) const {
 int LogManager::writeLog(const char* format, ...) const {
   va_list args;
   va_start(args, format);
+  va_list message_args;
+  va_copy(message_args, args);
+  char message[512];
+  std::vsnprintf(message, sizeof(message), format, message_args);
+  va_end(message_args);
+  last_message = message;
   const int result = writeLine(p_file, log_level, format, args);
   va_end(args);
   return result;

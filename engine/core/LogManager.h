@@ -31,6 +31,12 @@ class LogManager : public Manager {
   int writeMyLog(const std::string& file_name, int level, const char* format, ...) VT_PRINTF(4);
   int writeMyLog(const std::string& file_name, const char* format, ...) VT_PRINTF(3);
 
+  // The file the log goes to, or was to go to when it could not be opened.
+  std::string getLogFileName() const { return log_file_name; }
+  // The text of the last line written with writeLog's unlevelled form
+  // (warnings and errors), without its stamp.
+  std::string getLastMessage() const { return last_message; }
+
   void setFlush(bool new_do_flush = true) { do_flush = new_do_flush; }
   void setLogLevel(int new_log_level);
   int getLogLevel() const { return log_level; }
@@ -48,6 +54,8 @@ class LogManager : public Manager {
   bool log_time_string = true;
   bool log_step_count = true;
   FILE* p_file = nullptr;
+  std::string log_file_name;
+  mutable std::string last_message;
   std::map<std::string, FILE*> extra_files;
 };
 

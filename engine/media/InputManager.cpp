@@ -80,11 +80,14 @@ void InputManager::shutDown() {
     log_manager.writeLog(2, "InputManager::shutDown(): Keyboard repeat enabled.");
   }
   log_manager.writeLog(5, "InputManager::shutDown(): successfully stopped.");
+  queued_events.clear();
   Manager::shutDown();
 }
 
 void InputManager::getInput() {
-  if (notStarted() || Config::getInstance().getHeadless()) return;
+  if (notStarted()) return;
+  sendQueuedEvents();
+  if (Config::getInstance().getHeadless()) return;
   sf::RenderWindow* p_window = DisplayManager::getInstance().getWindow();
   if (p_window == nullptr) {
     LogManager::getInstance().writeLog(
@@ -94,6 +97,23 @@ void InputManager::getInput() {
   if (!sendWindowEvents(*p_window)) return;
   sendHeldButtons(*p_window);
   sendHeldKeys();
+}
+
+void InputManager::queueEvent(const EventKeyboard& keyboard_event) {
+  queued_events.emplace_back(keyboard_event);
+}
+
+void InputManager::queueEvent(const EventMouse& mouse_event) {
+  queued_events.emplace_back(mouse_event);
+}
+
+void InputManager::sendQueuedEvents() {
+  // Handlers may queue more: those wait for the next step.
+  const std::vector<std::variant<EventKeyboard, EventMouse>> sending = std::move(queued_events);
+  queued_events.clear();
+  for (const auto& queued : sending) {
+    std::visit([this](const Event& event) { onEvent(&event); }, queued);
+  }
 }
 
 bool InputManager::sendWindowEvents(sf::Window& window) {

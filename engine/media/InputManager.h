@@ -3,9 +3,12 @@
 #include <SFML/Window/Event.hpp>
 #include <SFML/Window/Window.hpp>
 #include <string>
+#include <variant>
+#include <vector>
 
 #include "core/Manager.h"
 #include "media/EventKeyboard.h"
+#include "media/EventMouse.h"
 
 namespace vt {
 
@@ -22,9 +25,15 @@ class InputManager : public Manager {
   int startUp() override;
   void shutDown() override;
 
-  // Delivers the window's pending events, then the held mouse buttons, then
-  // the held keys. Called by the game loop once per step.
+  // Delivers the queued events, then the window's pending events, then the
+  // held mouse buttons, then the held keys. Called by the game loop once per
+  // step; headless, only the queued events are delivered.
   void getInput();
+
+  // Input made by the program rather than read from the window (a test
+  // harness, a replay): delivered at the next getInput, in queue order.
+  void queueEvent(const EventKeyboard& keyboard_event);
+  void queueEvent(const EventMouse& mouse_event);
 
   // A keyboard event with the engine code of the SFML key; the action is
   // left for the caller.
@@ -41,6 +50,9 @@ class InputManager : public Manager {
   void sendMouse(int action, int button, int pixel_x, int pixel_y);
   void sendHeldButtons(const sf::Window& window);
   void sendHeldKeys();
+  void sendQueuedEvents();
+
+  std::vector<std::variant<EventKeyboard, EventMouse>> queued_events;
 };
 
 }  // namespace vt

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "core/Vector.h"
+
+namespace vt {
+
+// Runs a game without a window, for tests: starts the engine headless with
+// its log in a chosen place, advances the game loop a given number of steps
+// at once (in the loop's own order, without sleeping), hands key and mouse
+// input to the objects registered for it as the input manager does, reads
+// the log, and stops the engine again, undoing what it changed.
+class Harness {
+ public:
+  Harness() = default;
+  // Stops the engine if it still runs and removes the temporary folder.
+  ~Harness();
+  Harness(const Harness&) = delete;
+  Harness& operator=(const Harness&) = delete;
+
+  // Starts every manager headless. The game's configuration file is read as
+  // usual, except that headless is forced and the log goes to log_file ("",
+  // the default, puts "vantor.log" in a fresh temporary folder). The path
+  // may not contain blanks. 0 on success, -1 on failure.
+  int startUp(const std::string& log_file = "");
+  // Stops the engine (the objects still in the world are deleted) and puts
+  // back the configuration and environment it changed. The log stays
+  // readable until the harness is destroyed.
+  void shutDown();
+  bool isStarted() const { return started; }
+
+  // Runs up to count iterations of the game loop, fewer when the game-over
+  // flag gets set; returns how many ran.
+  int step(int count = 1);
+  // Steps until the condition holds, tested before every step; false when
+  // it still does not hold after max_steps steps or at game over.
+  bool stepUntil(const std::function<bool()>& condition, int max_steps);
+
+  // Input for the next step, delivered in the order given, before the held
+  // buttons and keys, as the input manager orders the window's events.
+  // Keys are engine key codes (Keyboard::Key), buttons Mouse::Button,
+  // positions in window cells.
+  // A quick tap: KEY_PRESSED, then KEY_RELEASED.
+  void pressKey(int key);
+  // KEY_PRESSED, then KEY_DOWN in every step until releaseKey.
+  void holdKey(int key);
+  // KEY_RELEASED; ends a hold.
+  void releaseKey(int key);
+  void moveMouse(Vector where);
+  // CLICKED at the position.
+  void clickMouse(int button, Vector where);
+  // CLICKED, then PRESSED in every step until releaseMouse, at the last
+  // position given to any of the mouse operations.
+  void holdMouse(int button, Vector where);
+  void releaseMouse(int button);
+
+  std::string getLogFile() const { return log_file; }
+  // Everything written to the log so far.
+  std::string logText() const;
+  bool logContains(const std::string& text) const;
+
+ private:
+  void queueKey(int key, int action) const;
+  void queueMouse(int action, int button) const;
+  void queueHeldInput() const;
+  void restoreEnvironment() const;
+
+  bool started = false;
+  std::string folder;
+  std::string log_file;
+  std::vector<int> held_keys;
+  std::vector<int> held_buttons;
+  Vector mouse_position;
+  // What startUp changed, put back by shutDown.
+  bool had_config_variable = false;
+  std::string config_variable;
+  bool had_log_variable = false;
+  std::string log_variable;
+  bool was_headless = false;
+  std::string previous_log_file;
+};
+
+}  // namespace vt
