@@ -24,8 +24,8 @@ class GameManager : public Manager {
   void run();
   // Runs one iteration of the loop at once, without pacing: the path
   // searches get a whole frame time (at least a millisecond) and nothing
-  // sleeps. For tests and tools
-  // that drive the loop themselves; the game-over flag is not consulted.
+  // sleeps. For tests and tools that drive the loop themselves; the
+  // game-over flag is not consulted.
   void step();
 
   bool getGameOver() const { return game_over; }
