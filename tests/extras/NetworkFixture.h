@@ -8,19 +8,16 @@
 
 #include "extras/NetworkManager.h"
 #include "support/HeadlessEngine.h"
-#include "support/RecordingObject.h"
 
 namespace nettest {
 
-// Frame time handed to the network step while pumping.
-const int FRAME_TIME = 33;
-
-// A message as it travels: its size (header included) in host byte order,
-// then the payload.
+// A message as it travels: its size (header included), then the payload.
 std::string frame(const std::string& payload);
+// The first four bytes of a message announcing this size.
+std::string sizeField(int size);
 
-// A plain TCP client on loopback that sends whatever a test tells it to,
-// well-formed or not.
+// A plain TCP socket on loopback, as a test's remote end: a client of the
+// port, or (with an empty port) a listener on a free one.
 class RawPeer {
  public:
   explicit RawPeer(const std::string& port);
@@ -28,44 +25,30 @@ class RawPeer {
   RawPeer(const RawPeer&) = delete;
   RawPeer& operator=(const RawPeer&) = delete;
 
-  bool isOpen() const { return fd >= 0; }
+  // Writes all of it, waiting for room as long as it takes.
   bool write(const std::string& bytes) const;
-  // Up to count bytes, waiting at most a few seconds for the first.
-  std::string read(int count) const;
   // True once the other end has closed this connection.
   bool sawClose() const;
   void close();
   // Closes with a reset instead of an orderly shutdown.
   void reset();
+  std::string listeningPort() const;
 
  private:
   int fd = -1;
 };
 
-// A plain listening socket on a free loopback port, to occupy it.
-class RawListener {
- public:
-  RawListener();
-  ~RawListener();
-  RawListener(const RawListener&) = delete;
-  RawListener& operator=(const RawListener&) = delete;
-
-  std::string port() const;
-
- private:
-  int fd = -1;
-};
-
-// What a listening object saw of one network event; for a data event the
+// What the listening object saw of one network event; for a data event the
 // message it then received, header included.
 struct Delivery {
   int label;
   int socket_index;
-  int bytes;
   std::string message;
 };
 
-// A headless engine with networking enabled and the network manager started.
+// A headless engine with networking on and the network manager started,
+// with a recording listener for "vt-network"; everything it changes in the
+// engine is put back afterwards.
 class NetworkFixture : public testing::Test {
  protected:
   NetworkFixture();
@@ -73,23 +56,26 @@ class NetworkFixture : public testing::Test {
 
   // Listens on a free port and stores its number in port.
   void serve();
-  // An object registered for "vt-network" that appends every event to
-  // deliveries and, when read_messages is set, receives each whole message
-  // into a buffer of exactly the announced size.
-  test::RecordingObject* listen(bool read_messages = true);
-  // Runs the network step until done() holds; false after 10 s without.
+  // Serves and accepts count raw clients as connections 0, 1, ...
+  void acceptPeers(int count);
+  // Runs the network step of the loop until done() holds; false after 20 s.
   bool pumpUntil(const std::function<bool()>& done);
   int countLabel(int label) const;
   // Payloads of the data events of one connection, in order of arrival.
   std::vector<std::string> payloadsOn(int sock_index) const;
+  std::string log() const { return engine.logText(); }
+  bool logged(const std::string& line) const { return log().find(line) != std::string::npos; }
 
   test::HeadlessEngine engine;
   vt::NetworkManager& network_manager = vt::NetworkManager::getInstance();
   std::string port;
+  std::vector<std::unique_ptr<RawPeer>> peers;
   std::vector<Delivery> deliveries;
-};
+  // Whether the listener receives each whole message it is told about.
+  bool reading = true;
 
-// Open file descriptors of this process.
-int countOpenFiles();
+ private:
+  bool was_networking;
+};
 
 }  // namespace nettest
