@@ -18,20 +18,6 @@
 
 namespace nettest {
 
-namespace {
-
-const int FRAME_TIME = 33;
-
-sockaddr_in loopback(const std::string& port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = htons(static_cast<std::uint16_t>(port.empty() ? 0 : std::stoi(port)));
-  return address;
-}
-
-}  // namespace
-
 std::string sizeField(int size) {
   const auto field = static_cast<std::int32_t>(size);
   return std::string(reinterpret_cast<const char*>(&field), sizeof(field));
@@ -42,15 +28,11 @@ std::string frame(const std::string& payload) {
 }
 
 RawPeer::RawPeer(const std::string& port) : fd(socket(AF_INET, SOCK_STREAM, 0)) {
-  const sockaddr_in address = loopback(port);
-  const auto* p_address = reinterpret_cast<const sockaddr*>(&address);
-  const bool ok = port.empty() ? bind(fd, p_address, sizeof(address)) == 0 && ::listen(fd, 1) == 0
-                               : connect(fd, p_address, sizeof(address)) == 0;
-  if (!ok) close();
-}
-
-RawPeer::~RawPeer() {
-  close();
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(static_cast<std::uint16_t>(std::stoi(port)));
+  if (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) close();
 }
 
 bool RawPeer::write(const std::string& bytes) const {
@@ -78,13 +60,6 @@ void RawPeer::reset() {
   const linger abort_on_close{1, 0};
   setsockopt(fd, SOL_SOCKET, SO_LINGER, &abort_on_close, sizeof(abort_on_close));
   close();
-}
-
-std::string RawPeer::listeningPort() const {
-  sockaddr_in address{};
-  socklen_t length = sizeof(address);
-  getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-  return std::to_string(ntohs(address.sin_port));
 }
 
 NetworkFixture::NetworkFixture() : was_networking(vt::Config::getInstance().getNetworking()) {
@@ -132,16 +107,20 @@ bool NetworkFixture::pumpUntil(const std::function<bool()>& done) {
   const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
   while (!done()) {
     if (std::chrono::steady_clock::now() > limit) return false;
-    network_manager.processFrame(vt::Clock(), FRAME_TIME);
+    network_manager.processFrame(vt::Clock(), 33);
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return true;
 }
 
+bool NetworkFixture::logged(const std::string& line) const {
+  return engine.logText().find(line) != std::string::npos;
+}
+
 int NetworkFixture::countLabel(int label) const {
-  int count = 0;
-  for (const Delivery& delivery : deliveries) count += delivery.label == label ? 1 : 0;
-  return count;
+  return static_cast<int>(
+      std::count_if(deliveries.begin(), deliveries.end(),
+                    [label](const Delivery& seen) { return seen.label == label; }));
 }
 
 std::vector<std::string> NetworkFixture::payloadsOn(int sock_index) const {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,17 +12,16 @@
 
 namespace nettest {
 
-// A message as it travels: its size (header included), then the payload.
-std::string frame(const std::string& payload);
-// The first four bytes of a message announcing this size.
+// The four bytes announcing a message of this size, header included.
 std::string sizeField(int size);
+// A message as it travels: its size field, then the payload.
+std::string frame(const std::string& payload);
 
-// A plain TCP socket on loopback, as a test's remote end: a client of the
-// port, or (with an empty port) a listener on a free one.
+// A plain TCP client on loopback, as a test's remote end.
 class RawPeer {
  public:
   explicit RawPeer(const std::string& port);
-  ~RawPeer();
+  ~RawPeer() { close(); }
   RawPeer(const RawPeer&) = delete;
   RawPeer& operator=(const RawPeer&) = delete;
 
@@ -32,50 +32,48 @@ class RawPeer {
   void close();
   // Closes with a reset instead of an orderly shutdown.
   void reset();
-  std::string listeningPort() const;
 
  private:
   int fd = -1;
 };
 
-// What the listening object saw of one network event; for a data event the
-// message it then received, header included.
+// What the listener saw of one network event; for a data event, the message
+// it then received.
 struct Delivery {
   int label;
   int socket_index;
   std::string message;
 };
 
-// A headless engine with networking on and the network manager started,
-// with a recording listener for "vt-network"; everything it changes in the
-// engine is put back afterwards.
+// A headless engine with networking on, the network manager started and an
+// object recording every "vt-network" event; all it changes in the engine's
+// singletons is put back afterwards.
 class NetworkFixture : public testing::Test {
  protected:
   NetworkFixture();
   ~NetworkFixture() override;
 
-  // Listens on a free port and stores its number in port.
+  // Listens on a free port, kept in port.
   void serve();
   // Serves and accepts count raw clients as connections 0, 1, ...
   void acceptPeers(int count);
-  // Runs the network step of the loop until done() holds; false after 20 s.
+  // Runs the loop's network step until done() holds; false after 20 s.
   bool pumpUntil(const std::function<bool()>& done);
   int countLabel(int label) const;
-  // Payloads of the data events of one connection, in order of arrival.
+  // Payloads the listener received on one connection, in order.
   std::vector<std::string> payloadsOn(int sock_index) const;
-  std::string log() const { return engine.logText(); }
-  bool logged(const std::string& line) const { return log().find(line) != std::string::npos; }
+  bool logged(const std::string& line) const;
 
   test::HeadlessEngine engine;
   vt::NetworkManager& network_manager = vt::NetworkManager::getInstance();
   std::string port;
   std::vector<std::unique_ptr<RawPeer>> peers;
   std::vector<Delivery> deliveries;
-  // Whether the listener receives each whole message it is told about.
+  // Whether the listener receives each message it is told about.
   bool reading = true;
 
  private:
-  bool was_networking;
+  const bool was_networking;
 };
 
 }  // namespace nettest
