@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <netdb.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -13,6 +14,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
+#include <vector>
 
 #include "core/Clock.h"
 #include "core/Config.h"
@@ -341,7 +344,9 @@ int NetworkManager::fillTo(int sock_index, int count) {
   Connection& connection = connections[sock_index];
   if (connection.buffer.size() >= count) return 0;
   // A reset is a peer leaving like any other, not an error of ours.
-  if (connection.buffer.fill(connection.socket, false) >= 0 || errno == ECONNRESET) return 0;
+  const int taken = connection.buffer.fill(connection.socket, false);
+  bytes_arrived = bytes_arrived || taken > 0;
+  if (taken >= 0 || errno == ECONNRESET) return 0;
   logSystemError("NetworkManager::genDataEvents(): Error! recv() returned:");
   return -1;
 }
@@ -370,14 +375,28 @@ int NetworkManager::processFrame(const Clock& clock, int frame_time) {
   int delivered = 0;
   int pass_delivered = 0;
   do {
+    bytes_arrived = false;
     pass_delivered = dataPass();
     delivered += pass_delivered;
-  } while (pass_delivered > 0 && clock.split() < deadline);
+    // Bytes of a message still on its way: more of it is worth waiting for
+    // while the budget lasts.
+  } while ((pass_delivered > 0 || (bytes_arrived && awaitInput(deadline - clock.split()))) &&
+           clock.split() < deadline);
   // A pass that still delivered only ends the repeat at the deadline.
   if (pass_delivered > 0) {
     LogManager::getInstance().writeLog("GameManager::run(): Warning! Residual network data.");
   }
   return delivered;
+}
+
+bool NetworkManager::awaitInput(long long microseconds) const {
+  if (microseconds <= 0) return false;
+  std::vector<pollfd> waiting;
+  for (const Connection& connection : connections)
+    waiting.push_back({connection.socket, POLLIN, 0});
+  const timespec timeout{static_cast<time_t>(microseconds / 1000000),
+                         static_cast<long>(microseconds % 1000000 * 1000)};
+  return ppoll(waiting.data(), waiting.size(), &timeout, nullptr) > 0;
 }
 
 int NetworkManager::dataPass() {

@@ -78,8 +78,9 @@ class NetworkManager : public Manager {
   int genDataEvents(int sock_index);
   // The game loop's network step: accepts one client when serving, then
   // makes passes of genDataEvents over every connection while a pass
-  // delivers something and the clock's split is within 20 % of the frame
-  // (frame_time in milliseconds). Returns the number of data events raised.
+  // delivers something, or takes in part of a message and more input comes
+  // before the deadline, 20 % of the frame (frame_time in milliseconds)
+  // from the start of the step. Returns the number of data events raised.
   int processFrame(const Clock& clock, int frame_time);
 
   int getNumConnections() const { return static_cast<int>(connections.size()); }
@@ -103,6 +104,8 @@ class NetworkManager : public Manager {
   void stopListening();
   // One genDataEvents call per connection; how many raised a data event.
   int dataPass();
+  // Waits at most this long for input on any connection; true if some came.
+  bool awaitInput(long long microseconds) const;
   int closeIfHungUp(int sock_index);
   int refuseMessage(int sock_index, int size);
 
@@ -110,6 +113,8 @@ class NetworkManager : public Manager {
   std::vector<Connection> connections;
   int max_connections = 1;
   bool is_server = false;
+  // Whether the current pass took bytes off any socket.
+  bool bytes_arrived = false;
 };
 
 }  // namespace vt
