@@ -95,11 +95,12 @@ void NetworkFixture::serve() {
 }
 
 void NetworkFixture::acceptPeers(int count) {
-  serve();
-  network_manager.setMaxConnections(count);
+  if (port.empty()) serve();
   for (int i = 0; i < count; i++) {
+    const int connections = network_manager.getNumConnections() + 1;
+    network_manager.setMaxConnections(connections);
     peers.push_back(std::make_unique<RawPeer>(port));
-    ASSERT_TRUE(pumpUntil([&] { return network_manager.getNumConnections() == i + 1; }));
+    ASSERT_TRUE(pumpUntil([&] { return network_manager.getNumConnections() == connections; }));
   }
 }
 

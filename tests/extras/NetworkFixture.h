@@ -55,7 +55,8 @@ class NetworkFixture : public testing::Test {
 
   // Listens on a free port, kept in port.
   void serve();
-  // Serves and accepts count raw clients as connections 0, 1, ...
+  // Serves unless already serving, then accepts count more raw clients,
+  // appended to peers and to the connections.
   void acceptPeers(int count);
   // Runs the loop's network step until done() holds; false after 20 s.
   bool pumpUntil(const std::function<bool()>& done);
