@@ -98,10 +98,14 @@ std::vector<std::string> wholeMessages(const std::string& stream) {
   return messages;
 }
 
-// Piece lengths drawn from a seed: small, medium or large pieces.
+// Piece lengths drawn from a seed: small, medium or large pieces, but never
+// more than about MOST_PIECES of them, which keeps long inputs fast.
 class Cutter {
  public:
-  explicit Cutter(std::uint8_t seed) : state(seed * 2654435761u + 1), most(LARGEST[seed % 4]) {}
+  Cutter(std::uint8_t seed, std::size_t stream_size)
+      : state(seed * 2654435761u + 1),
+        most(std::max(LARGEST[seed % 4],
+                      static_cast<std::uint32_t>(2 * stream_size / MOST_PIECES + 1))) {}
   std::size_t next() {
     state ^= state << 13;
     state ^= state >> 17;
@@ -111,6 +115,7 @@ class Cutter {
 
  private:
   static constexpr std::uint32_t LARGEST[4] = {3, 64, 1500, 40000};
+  static constexpr std::size_t MOST_PIECES = 64;
   std::uint32_t state;
   std::uint32_t most;
 };
@@ -135,8 +140,8 @@ class Harness {
     if (size < 2) return;
     Reader& reader = *p_reader;
     reader.start(data[0]);
-    Cutter cutter(data[1]);
     const std::string stream(reinterpret_cast<const char*>(data) + 2, size - 2);
+    Cutter cutter(data[1], stream.size());
     const int client = connectClient();
     for (std::size_t at = 0; at < stream.size() && network_manager.getNumConnections() > 0;) {
       const std::size_t piece = std::min(cutter.next(), stream.size() - at);
