@@ -14,6 +14,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
+#include <vector>
 
 #include "core/Clock.h"
 #include "core/Config.h"
@@ -224,7 +226,7 @@ int NetworkManager::connect(std::string host, std::string port) {
 }
 
 int NetworkManager::addConnection(int socket, NetworkEventLabel label) {
-  connections.push_back(socket);
+  connections.push_back({socket, MessageBuffer(MAX_MESSAGE_SIZE + MESSAGE_HEADER_SIZE)});
   const int sock_index = getNumConnections() - 1;
   const EventNetwork event(label, sock_index, 0);
   onEvent(&event);
@@ -247,7 +249,7 @@ int NetworkManager::send(int sock_index, const void* buffer, int bytes) {
   log_manager.writeLog(15, "NetworkManager::send(): Calling send().");
   // No SIGPIPE when the peer has gone: the failure is reported instead.
   const ssize_t sent =
-      ::send(connections[sock_index], buffer, static_cast<std::size_t>(bytes), MSG_NOSIGNAL);
+      ::send(connections[sock_index].socket, buffer, static_cast<std::size_t>(bytes), MSG_NOSIGNAL);
   if (sent < 0) {
     logSystemError("NetworkManager::send(): Error! send() returned:");
     return -1;
@@ -268,13 +270,14 @@ int NetworkManager::receive(int sock_index, void* buffer, int nbytes, bool peek)
     return -1;
   }
   if (!countAllowed("receive", nbytes)) return -1;
-  const ssize_t received = ::recv(connections[sock_index], buffer, static_cast<std::size_t>(nbytes),
-                                  peek ? MSG_PEEK : 0);
-  if (received < 0) {
+  Connection& connection = connections[sock_index];
+  MessageBuffer& waiting = connection.buffer;
+  // As a read on the socket would, this waits only when nothing has arrived.
+  if (waiting.size() < nbytes && waiting.fill(connection.socket, waiting.size() == 0) < 0) {
     logSystemError("NetworkManager::receive(): Error! recv() returned:");
     return -1;
   }
-  return static_cast<int>(received);
+  return waiting.copy(buffer, nbytes, !peek);
 }
 
 int NetworkManager::isData(int sock_index) const {
@@ -284,15 +287,15 @@ int NetworkManager::isData(int sock_index) const {
     return -1;
   }
   int waiting = 0;
-  if (ioctl(connections[sock_index], FIONREAD, &waiting) < 0) {
+  if (ioctl(connections[sock_index].socket, FIONREAD, &waiting) < 0) {
     logSystemError("NetworkManager::isData(): Error! ioctl()/ioctlsocket() returned:");
     return -1;
   }
-  return waiting;
+  return waiting + connections[sock_index].buffer.size();
 }
 
 bool NetworkManager::isConnected(int sock_index) const {
-  return sock_index >= 0 && sock_index < getNumConnections() && connections[sock_index] >= 0;
+  return sock_index >= 0 && sock_index < getNumConnections() && connections[sock_index].socket >= 0;
 }
 
 int NetworkManager::close(int sock_index) {
@@ -301,15 +304,17 @@ int NetworkManager::close(int sock_index) {
                                        sock_index);
     return -1;
   }
-  const int socket = connections[sock_index];
+  const int socket = connections[sock_index].socket;
   // Marked closed while the close event is out, so that handlers neither use
   // nor close it again; its slot is removed after the event.
-  connections[sock_index] = -1;
+  connections[sock_index].socket = -1;
   // close() gives 0 or -1, never more: a failed close is left unreported.
   if (::close(socket) > 0) logSystemError("NetworkManager::close(): Error! close() returned:");
   const EventNetwork event(NETWORK_CLOSE, sock_index, 0);
   onEvent(&event);
-  connections.erase(std::find(connections.begin(), connections.end(), -1));
+  connections.erase(
+      std::find_if(connections.begin(), connections.end(),
+                   [](const Connection& connection) { return connection.socket < 0; }));
   return 0;
 }
 
@@ -321,15 +326,13 @@ int NetworkManager::closeAll() {
 
 int NetworkManager::genDataEvents(int sock_index) {
   if (!isConnected(sock_index)) return 0;
-  const int waiting = isData(sock_index);
-  if (waiting < MESSAGE_HEADER_SIZE) return closeIfHungUp(sock_index);
-  std::int32_t size = 0;
-  if (::recv(connections[sock_index], &size, sizeof(size), MSG_PEEK) != sizeof(size)) {
-    logSystemError("NetworkManager::genDataEvents(): Error! recv() returned:");
-    return -1;
-  }
+  if (fillTo(sock_index, MESSAGE_HEADER_SIZE) < 0) return -1;
+  const MessageBuffer& waiting = connections[sock_index].buffer;
+  if (waiting.size() < MESSAGE_HEADER_SIZE) return closeIfHungUp(sock_index);
+  const std::int32_t size = waiting.frontInt();
   if (size < MESSAGE_HEADER_SIZE || size > MAX_MESSAGE_SIZE) return refuseMessage(sock_index, size);
-  if (waiting < size) return closeIfHungUp(sock_index);
+  if (fillTo(sock_index, size) < 0) return -1;
+  if (waiting.size() < size) return closeIfHungUp(sock_index);
   LogManager::getInstance().writeLog(
       15, "NetworkManager::genDataEvents(): have full message (%d bytes).", size);
   const EventNetwork event(NETWORK_DATA, sock_index, size);
@@ -337,11 +340,19 @@ int NetworkManager::genDataEvents(int sock_index) {
   return 1;
 }
 
+int NetworkManager::fillTo(int sock_index, int count) {
+  Connection& connection = connections[sock_index];
+  if (connection.buffer.size() >= count) return 0;
+  // A reset is a peer leaving like any other, not an error of ours.
+  const int taken = connection.buffer.fill(connection.socket, false);
+  bytes_arrived = bytes_arrived || taken > 0;
+  if (taken >= 0 || errno == ECONNRESET) return 0;
+  logSystemError("NetworkManager::genDataEvents(): Error! recv() returned:");
+  return -1;
+}
+
 int NetworkManager::closeIfHungUp(int sock_index) {
-  pollfd poll_fd{connections[sock_index], POLLIN | POLLRDHUP, 0};
-  if (poll(&poll_fd, 1, 0) <= 0 || (poll_fd.revents & (POLLRDHUP | POLLHUP | POLLERR)) == 0) {
-    return 0;
-  }
+  if (!connections[sock_index].buffer.ended()) return 0;
   LogManager::getInstance().writeLog(
       1, "NetworkManager::genDataEvents(): Peer left socket %d. Closing.", sock_index);
   close(sock_index);
@@ -364,14 +375,28 @@ int NetworkManager::processFrame(const Clock& clock, int frame_time) {
   int delivered = 0;
   int pass_delivered = 0;
   do {
+    bytes_arrived = false;
     pass_delivered = dataPass();
     delivered += pass_delivered;
-  } while (pass_delivered > 0 && clock.split() < deadline);
+    // Bytes of a message still on its way: more of it is worth waiting for
+    // while the budget lasts.
+  } while ((pass_delivered > 0 || (bytes_arrived && awaitInput(deadline - clock.split()))) &&
+           clock.split() < deadline);
   // A pass that still delivered only ends the repeat at the deadline.
   if (pass_delivered > 0) {
     LogManager::getInstance().writeLog("GameManager::run(): Warning! Residual network data.");
   }
   return delivered;
+}
+
+bool NetworkManager::awaitInput(long long microseconds) const {
+  if (microseconds <= 0) return false;
+  std::vector<pollfd> waiting;
+  for (const Connection& connection : connections)
+    waiting.push_back({connection.socket, POLLIN, 0});
+  const timespec timeout{static_cast<time_t>(microseconds / 1000000),
+                         static_cast<long>(microseconds % 1000000 * 1000)};
+  return ppoll(waiting.data(), waiting.size(), &timeout, nullptr) > 0;
 }
 
 int NetworkManager::dataPass() {

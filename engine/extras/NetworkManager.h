@@ -5,6 +5,7 @@
 
 #include "core/Manager.h"
 #include "extras/EventNetwork.h"
+#include "extras/MessageBuffer.h"
 
 namespace vt {
 
@@ -24,6 +25,11 @@ const int MAX_MESSAGE_SIZE = 32768;
 // connections, and raises a "vt-network" event when a connection opens or
 // closes and when a whole length-prefixed message is waiting. A connection's
 // number is its index in the list of connections, stable until a close.
+//
+// Incoming bytes are moved off each socket into a buffer of the manager's
+// own that holds one message of the largest size plus the next header, so
+// the kernel never sits on a backlog waiting for a message to complete, and
+// the peer's close is reported only after the messages it sent before it.
 class NetworkManager : public Manager {
  public:
   static NetworkManager& getInstance();
@@ -49,10 +55,12 @@ class NetworkManager : public Manager {
 
   // Sends once; 0 when all bytes went out, else -1.
   int send(int sock_index, const void* buffer, int bytes);
-  // Receives once, at most nbytes (0 to MAX_MESSAGE_SIZE); with peek the
-  // bytes stay queued. The number of bytes received, or -1.
+  // Receives at most nbytes (0 to MAX_MESSAGE_SIZE) of what has arrived,
+  // waiting only when nothing has; with peek the bytes stay queued. The
+  // number of bytes received (0 once the peer has gone), or -1.
   int receive(int sock_index, void* buffer, int nbytes, bool peek = false);
-  // Bytes waiting on the connection, or -1.
+  // Bytes waiting on the connection, read or not yet read off the socket,
+  // or -1.
   int isData(int sock_index) const;
   bool isConnected(int sock_index) const;
   // Raises a close event for the connection, then removes it: every later
@@ -66,12 +74,13 @@ class NetworkManager : public Manager {
   // (1), else returns 0; the message stays queued until an object receives
   // it. A connection whose peer hung up with no whole message left is
   // closed; one announcing a size outside MESSAGE_HEADER_SIZE to
-  // MAX_MESSAGE_SIZE is closed too and gives -1.
+  // MAX_MESSAGE_SIZE is closed too and gives -1, as does a failed read.
   int genDataEvents(int sock_index);
   // The game loop's network step: accepts one client when serving, then
   // makes passes of genDataEvents over every connection while a pass
-  // delivers something and the clock's split is within 20 % of the frame
-  // (frame_time in milliseconds). Returns the number of data events raised.
+  // delivers something, or takes in part of a message and more input comes
+  // before the deadline, 20 % of the frame (frame_time in milliseconds)
+  // from the start of the step. Returns the number of data events raised.
   int processFrame(const Clock& clock, int frame_time);
 
   int getNumConnections() const { return static_cast<int>(connections.size()); }
@@ -81,19 +90,31 @@ class NetworkManager : public Manager {
   std::string getServerPort() const;
 
  private:
+  struct Connection {
+    int socket;
+    MessageBuffer buffer;
+  };
+
   NetworkManager();
 
+  // Tops the connection's buffer up until it holds count bytes, as far as
+  // the socket has them; -1 after logging a failed read.
+  int fillTo(int sock_index, int count);
   int addConnection(int socket, NetworkEventLabel label);
   void stopListening();
   // One genDataEvents call per connection; how many raised a data event.
   int dataPass();
+  // Waits at most this long for input on any connection; true if some came.
+  bool awaitInput(long long microseconds) const;
   int closeIfHungUp(int sock_index);
   int refuseMessage(int sock_index, int size);
 
   int listen_socket = -1;
-  std::vector<int> connections;
+  std::vector<Connection> connections;
   int max_connections = 1;
   bool is_server = false;
+  // Whether the current pass took bytes off any socket.
+  bool bytes_arrived = false;
 };
 
 }  // namespace vt

@@ -6,32 +6,28 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstring>
-#include <filesystem>
 #include <thread>
 
 #include "core/Clock.h"
 #include "core/Config.h"
 #include "extras/EventNetwork.h"
+#include "support/RecordingObject.h"
 
 namespace nettest {
 
-namespace {
-
-const int READ_TIMEOUT_MS = 5000;
-
-}  // namespace
-
-std::string frame(const std::string& payload) {
-  const auto size = static_cast<std::int32_t>(payload.size() + vt::MESSAGE_HEADER_SIZE);
-  std::string message(reinterpret_cast<const char*>(&size), sizeof(size));
-  return message + payload;
+std::string sizeField(int size) {
+  const auto field = static_cast<std::int32_t>(size);
+  return std::string(reinterpret_cast<const char*>(&field), sizeof(field));
 }
 
-RawPeer::RawPeer(const std::string& port) {
-  fd = socket(AF_INET, SOCK_STREAM, 0);
+std::string frame(const std::string& payload) {
+  return sizeField(static_cast<int>(payload.size()) + vt::MESSAGE_HEADER_SIZE) + payload;
+}
+
+RawPeer::RawPeer(const std::string& port) : fd(socket(AF_INET, SOCK_STREAM, 0)) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -39,21 +35,14 @@ RawPeer::RawPeer(const std::string& port) {
   if (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) close();
 }
 
-RawPeer::~RawPeer() {
-  close();
-}
-
 bool RawPeer::write(const std::string& bytes) const {
-  return ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
-}
-
-std::string RawPeer::read(int count) const {
-  pollfd poll_fd{fd, POLLIN, 0};
-  if (poll(&poll_fd, 1, READ_TIMEOUT_MS) <= 0) return "";
-  std::string bytes(static_cast<std::size_t>(count), '\0');
-  const ssize_t received = recv(fd, bytes.data(), bytes.size(), 0);
-  bytes.resize(received > 0 ? static_cast<std::size_t>(received) : 0);
-  return bytes;
+  std::size_t written = 0;
+  while (written < bytes.size()) {
+    const ssize_t sent = send(fd, bytes.data() + written, bytes.size() - written, MSG_NOSIGNAL);
+    if (sent <= 0) return false;
+    written += static_cast<std::size_t>(sent);
+  }
+  return true;
 }
 
 bool RawPeer::sawClose() const {
@@ -73,32 +62,30 @@ void RawPeer::reset() {
   close();
 }
 
-RawListener::RawListener() : fd(socket(AF_INET, SOCK_STREAM, 0)) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
-  ::listen(fd, 1);
-}
-
-RawListener::~RawListener() {
-  ::close(fd);
-}
-
-std::string RawListener::port() const {
-  sockaddr_in address{};
-  socklen_t length = sizeof(address);
-  getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-  return std::to_string(ntohs(address.sin_port));
-}
-
-NetworkFixture::NetworkFixture() {
+NetworkFixture::NetworkFixture() : was_networking(vt::Config::getInstance().getNetworking()) {
   vt::Config::getInstance().setNetworking(true);
   network_manager.startUp();
+  auto* p_listener = new test::RecordingObject;
+  EXPECT_EQ(p_listener->registerInterest(vt::NETWORK_EVENT), 0);
+  p_listener->on_event = [this](const vt::Event* p_event) {
+    const auto& event = dynamic_cast<const vt::EventNetwork&>(*p_event);
+    Delivery delivery{event.getLabel(), event.getSocketIndex(), ""};
+    if (reading && event.getLabel() == vt::NETWORK_DATA) {
+      delivery.message.resize(static_cast<std::size_t>(event.getBytes()));
+      const int received = network_manager.receive(event.getSocketIndex(), delivery.message.data(),
+                                                   event.getBytes());
+      delivery.message.resize(received > 0 ? static_cast<std::size_t>(received) : 0);
+    }
+    deliveries.push_back(delivery);
+  };
 }
 
 NetworkFixture::~NetworkFixture() {
+  // closeAll() skips every other connection: close them one by one.
+  while (network_manager.getNumConnections() > 0) network_manager.close(0);
   network_manager.shutDown();
+  network_manager.setMaxConnections(1);
+  vt::Config::getInstance().setNetworking(was_networking);
 }
 
 void NetworkFixture::serve() {
@@ -107,56 +94,44 @@ void NetworkFixture::serve() {
   ASSERT_FALSE(port.empty());
 }
 
-test::RecordingObject* NetworkFixture::listen(bool read_messages) {
-  auto* p_object = new test::RecordingObject;
-  EXPECT_EQ(p_object->registerInterest(vt::NETWORK_EVENT), 0);
-  p_object->on_event = [this, read_messages](const vt::Event* p_event) {
-    const auto& event = dynamic_cast<const vt::EventNetwork&>(*p_event);
-    Delivery delivery{event.getLabel(), event.getSocketIndex(), event.getBytes(), ""};
-    if (read_messages && event.getLabel() == vt::NETWORK_DATA) {
-      std::string buffer(static_cast<std::size_t>(event.getBytes()), '\0');
-      const int received =
-          network_manager.receive(event.getSocketIndex(), buffer.data(), event.getBytes());
-      buffer.resize(received > 0 ? static_cast<std::size_t>(received) : 0);
-      delivery.message = buffer;
-    }
-    deliveries.push_back(delivery);
-  };
-  return p_object;
+void NetworkFixture::acceptPeers(int count) {
+  if (port.empty()) serve();
+  for (int i = 0; i < count; i++) {
+    const int connections = network_manager.getNumConnections() + 1;
+    network_manager.setMaxConnections(connections);
+    peers.push_back(std::make_unique<RawPeer>(port));
+    ASSERT_TRUE(pumpUntil([&] { return network_manager.getNumConnections() == connections; }));
+  }
 }
 
 bool NetworkFixture::pumpUntil(const std::function<bool()>& done) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
   while (!done()) {
     if (std::chrono::steady_clock::now() > limit) return false;
-    const vt::Clock clock;
-    network_manager.processFrame(clock, FRAME_TIME);
+    network_manager.processFrame(vt::Clock(), 33);
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return true;
 }
 
+bool NetworkFixture::logged(const std::string& line) const {
+  return engine.logText().find(line) != std::string::npos;
+}
+
 int NetworkFixture::countLabel(int label) const {
-  int count = 0;
-  for (const Delivery& delivery : deliveries) count += delivery.label == label ? 1 : 0;
-  return count;
+  return static_cast<int>(
+      std::count_if(deliveries.begin(), deliveries.end(),
+                    [label](const Delivery& seen) { return seen.label == label; }));
 }
 
 std::vector<std::string> NetworkFixture::payloadsOn(int sock_index) const {
   std::vector<std::string> payloads;
   for (const Delivery& delivery : deliveries) {
     if (delivery.label != vt::NETWORK_DATA || delivery.socket_index != sock_index) continue;
-    payloads.push_back(delivery.message.substr(vt::MESSAGE_HEADER_SIZE));
+    payloads.push_back(delivery.message.substr(
+        std::min(delivery.message.size(), static_cast<std::size_t>(vt::MESSAGE_HEADER_SIZE))));
   }
   return payloads;
-}
-
-int countOpenFiles() {
-  int count = 0;
-  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-    count++;
-  }
-  return count;
 }
 
 }  // namespace nettest
