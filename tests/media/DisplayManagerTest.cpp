@@ -78,11 +78,10 @@ TEST(DisplayManager, StartUpFailsCleanlyWithoutCellsOrDisplay) {
     const char* display;  // nullptr: unset
     std::string config;
     std::string log_line;
-  } cases[] = {
-      {":4321", "window_vertical_chars:0,",
-       "DisplayManager::startUp(): Error! Window of 1024x768 pixels and 80x0 characters."},
-      {nullptr, "", "DisplayManager::startUp(): Error! Cannot open X display ''."},
-      {":4321", "", "DisplayManager::startUp(): Error! Cannot open X display ':4321'."}};
+  } cases[] = {{":4321", "window_vertical_chars:0,",
+                "DisplayManager::startUp(): Error! Window of 1024x768 pixels and 80x0 characters."},
+               {nullptr, "", "DisplayManager::startUp(): Error! Cannot open X display ''."},
+               {":4321", "", "DisplayManager::startUp(): Error! Cannot open X display ':4321'."}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.log_line);
     vt::test::TestConfig config(false);
@@ -114,14 +113,6 @@ TEST(DisplayManager, CellGeometryFollowsTheConfigurationAndTheView) {
   EXPECT_FLOAT_EQ(vt::charHeight(), 25.0f);
   EXPECT_EQ(vt::spacesToPixels(vt::Vector(2.5f, -3.0f)), vt::Vector(50.0f, -75.0f));
   EXPECT_EQ(vt::pixelsToSpaces(vt::Vector(50.0f, 80.0f)), vt::Vector(2.5f, 3.2f));
-  vt::LogManager::getInstance().setLogLevel(30);
-  vt::spacesToPixels(vt::Vector(2, 3));
-  vt::pixelsToSpaces(vt::Vector(40, 75));
-  EXPECT_TRUE(contains(config.logText(),
-                       "spacesToPixels(int): spaces (2.00,3.00) = pixels (40.00,75.00)"));
-  EXPECT_TRUE(contains(config.logText(),
-                       "pixelsToSpaces(): pixels (40.00,75.00) = spaces (2.00,3.00)"));
-
   vt::WorldManager& world_manager = vt::WorldManager::getInstance();
   world_manager.setView(vt::Box(vt::Vector(10.0f, 5.5f), 80, 24));
   EXPECT_EQ(vt::worldToView(vt::Vector(12.0f, 7.0f)), vt::Vector(2.0f, 1.5f));

@@ -51,25 +51,12 @@ TEST(Input, EverySfmlKeyHasItsEngineCode) {
     } else {
       listed.insert(engine_key);
     }
-    const struct {
-      int first;
-      int last;
-      int first_code;
-    } runs[] = {{SK::F1, SK::F12, K::F1}, {SK::A, SK::Z, K::A}, {SK::Num1, SK::Num9, K::NUM1}};
-    for (const auto& run : runs) {
-      if (code >= run.first && code <= run.last) {
-        EXPECT_EQ(engine_key, run.first_code + code - run.first);
-      }
-    }
   }
   ASSERT_EQ(listed.size(), 73u);
   for (int code = K::SPACE; code <= K::BACKSPACE; code++) EXPECT_EQ(listed.count(code), 1u);
 
-  const std::pair<sf::Mouse::Button, int> buttons[] = {{sf::Mouse::Left, 0},
-                                                       {sf::Mouse::Right, 1},
-                                                       {sf::Mouse::Middle, 2},
-                                                       {sf::Mouse::XButton1, -1}};
-  for (const auto& [button, code] : buttons) EXPECT_EQ(vt::buttonFromSFML(button), code);
+  // Other mouse buttons than left, right and middle are undefined.
+  EXPECT_EQ(vt::buttonFromSFML(sf::Mouse::XButton1), vt::Mouse::UNDEFINED_MOUSE_BUTTON);
 }
 
 TEST(Input, HeldKeysArePolledInOrderWithNumZeroTwice) {
@@ -95,6 +82,12 @@ TEST(Input, HeldKeysArePolledInOrderWithNumZeroTwice) {
 
 TEST(Input, ManagerStartsAfterTheDisplayDeliversInputEventsAndTraces) {
   const test::HeadlessEngine engine;
+  const struct Restore {
+    ~Restore() {
+      vt::LogManager::getInstance().setLogLevel(0);
+      vt::Config::getInstance().reset();
+    }
+  } restore;
   InputManager& input_manager = InputManager::getInstance();
   vt::Config::getInstance().setHeadless(false);
   EXPECT_EQ(input_manager.startUp(), -1);
