@@ -121,7 +121,7 @@ TEST(Animation, SerializesWhenChosenAndReadsNumbersAsAtoiDoes) {
                   {"sprite_slowdown_count:-99999999999,", -3, INT_MIN},
                   {"", -3, INT_MIN}};
   for (const auto& reading : readings) {
-    animation.deserialize(reading.text);
+    EXPECT_EQ(animation.deserialize(reading.text), 0);
     EXPECT_EQ(animation.getIndex(), reading.index) << reading.text;
     EXPECT_EQ(animation.getSlowdownCount(), reading.count) << reading.text;
   }

@@ -133,7 +133,7 @@ TEST_F(ViewObjectTest, ReadsNumbersAsAtoiDoesAndOnlyTrueAsTrue) {
        "view_value:-2147483648,view_border:true,view_color:0,view_location:0,view_draw_value:"
        "true,"}};
   for (const auto& [text, read] : readings) {
-    p_view->deserialize(text);
+    EXPECT_EQ(p_view->deserialize(text), 0);
     EXPECT_EQ(p_view->serialize("VALUE,BORDER,COLOR,LOCATION,DRAW_VALUE,"), read) << text;
   }
   EXPECT_EQ(p_view->getViewString(), "Score");
