@@ -104,17 +104,16 @@ TEST_F(SoundTest, MusicStreamsPausesStopsAndStartsOverAfterAStop) {
   engine.newLogLines();
   music.play(false);
   EXPECT_TRUE(waitFor([&] { return music.getStatus() == Status::Stopped; }));
+  // Long enough for its stream never to run dry on a busy machine.
+  ASSERT_EQ(music.loadMusic(engine.writeWav("long.wav", 8000 * 20)), 0);
   music.play(true);
-  waitPastShortSound();
   EXPECT_EQ(music.getStatus(), Status::Playing);
   music.pause();
   EXPECT_EQ(music.getStatus(), Status::Paused);
-  music.stop();
-  EXPECT_EQ(music.getStatus(), Status::Stopped);
-  ASSERT_EQ(music.loadMusic(engine.writeWav("long.wav", 8000 * 20)), 0);
-  music.play(false);
+  music.play(true);
   EXPECT_TRUE(waitFor([&] { return music.getPlayingOffset() >= sf::milliseconds(200); }));
   music.stop();
+  EXPECT_EQ(music.getStatus(), Status::Stopped);
   EXPECT_EQ(music.getPlayingOffset(), sf::Time::Zero);
   music.play(false);
   EXPECT_EQ(music.getStatus(), Status::Playing);
@@ -122,7 +121,7 @@ TEST_F(SoundTest, MusicStreamsPausesStopsAndStartsOverAfterAStop) {
   const std::string play = "Music::play(): Playing music.";
   const std::string stop = "Music::stop(): Stopping music.";
   EXPECT_EQ(engine.newLogLines(),
-            (Lines{play, play, "Music::pause(): Pausing music.", stop, play, stop, play}));
+            (Lines{play, play, "Music::pause(): Pausing music.", play, stop, play}));
 }
 
 TEST_F(SoundTest, BadSoundFilesAreRefusedWithTheirLogLines) {
