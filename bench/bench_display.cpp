@@ -50,7 +50,7 @@ int drawScreen(vt::DisplayManager& display_manager, int frame, int stride) {
 // One frame per iteration: the screen's cells (every one, or every tenth as
 // in a sparse game scene) drawn, then the buffers swapped.
 void BM_ScreenFrame(benchmark::State& state) {
-  if (!vt::test::processXvfb().isRunning()) {
+  if (!vt::test::startProcessXvfb()) {
     state.SkipWithError("Xvfb did not start");
     return;
   }

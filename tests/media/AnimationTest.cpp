@@ -1,101 +1,128 @@
 #include <gtest/gtest.h>
 
-#include "media/Animation.h"
-#include "media/Frame.h"
-#include "media/Sprite.h"
-#include "support/HeadlessEngine.h"
+#include <climits>
+#include <memory>
+#include <string>
+#include <vector>
 
-using vt::Frame;
+#include "media/Animation.h"
+#include "media/ResourceManager.h"
+#include "support/ResourceEngine.h"
+
+using vt::Animation;
 using vt::Sprite;
-using vt::Vector;
 
 namespace {
 
-// A sprite of frame_count frames, each filled with its own digit.
+// A sprite of frame_count one-cell frames.
 std::unique_ptr<Sprite> digitSprite(int frame_count, int slowdown) {
   auto p_sprite = std::make_unique<Sprite>(frame_count);
-  p_sprite->setWidth(1);
-  p_sprite->setHeight(1);
   p_sprite->setSlowdown(slowdown);
   p_sprite->setLabel("digits");
-  for (int i = 0; i < frame_count; i++) {
-    p_sprite->addFrame(Frame(1, 1, std::string(1, static_cast<char>('0' + i))));
-  }
+  for (int i = 0; i < frame_count; i++) p_sprite->addFrame(vt::Frame(1, 1, "0"));
   return p_sprite;
+}
+
+// The frame shown before each of count draws.
+std::vector<int> framesShown(Animation& animation, int count) {
+  std::vector<int> shown;
+  for (int i = 0; i < count; i++) {
+    shown.push_back(animation.getIndex());
+    animation.draw(vt::Vector(5, 5));
+  }
+  return shown;
 }
 
 }  // namespace
 
-TEST(Animation, SlowdownSteppingAndFreezing) {
-  test::HeadlessEngine engine;
+TEST(Animation, StepsBySlowdownWrapsFreezesAndRestarts) {
+  test::ResourceEngine engine;
   auto p_sprite = digitSprite(4, 3);
-  vt::Animation animation;
+  Animation animation;
   animation.setSprite(p_sprite.get());
   EXPECT_EQ(animation.getName(), "digits");
-  std::vector<int> shown;
-  for (int call = 0; call < 10; call++) {
-    shown.push_back(animation.getIndex());
-    animation.draw(Vector(5, 5));
-  }
-  // Frames change on the 3rd, 6th and 9th call.
-  EXPECT_EQ(shown, (std::vector<int>{0, 0, 0, 1, 1, 1, 2, 2, 2, 3}));
-
+  EXPECT_EQ(framesShown(animation, 13), (std::vector<int>{0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 0}));
   animation.setSlowdownCount(-1);
-  for (int call = 0; call < 5; call++) animation.draw(Vector(5, 5));
-  EXPECT_EQ(animation.getIndex(), 3);
-  EXPECT_EQ(animation.getSlowdownCount(), -1);
-
-  // Setting a sprite restarts at frame 0 but keeps the count.
+  EXPECT_EQ(framesShown(animation, 3), (std::vector<int>{0, 0, 0}));
+  // A new sprite starts at frame 0 and keeps the count.
+  animation.setIndex(2);
   animation.setSprite(p_sprite.get());
   EXPECT_EQ(animation.getIndex(), 0);
   EXPECT_EQ(animation.getSlowdownCount(), -1);
-}
-
-TEST(Animation, SingleFramesAndZeroSlowdownAndWrapping) {
-  test::HeadlessEngine engine;
   auto p_single = digitSprite(1, 2);
-  vt::Animation still;
-  still.setSprite(p_single.get());
-  for (int call = 0; call < 5; call++) still.draw(Vector());
-  EXPECT_EQ(still.getIndex(), 0);
-  EXPECT_EQ(still.getSlowdownCount(), 1);
-
+  animation.setSprite(p_single.get());
+  animation.setSlowdownCount(0);
+  EXPECT_EQ(framesShown(animation, 4), (std::vector<int>{0, 0, 0, 0}));
   auto p_fast = digitSprite(3, 0);
-  vt::Animation fast;
-  fast.setSprite(p_fast.get());
-  std::vector<int> shown;
-  for (int call = 0; call < 4; call++) {
-    fast.draw(Vector());
-    shown.push_back(fast.getIndex());
+  animation.setSprite(p_fast.get());
+  EXPECT_EQ(framesShown(animation, 5), (std::vector<int>{0, 1, 2, 0, 1}));
+
+  // Extreme slowdowns and counts step without overflow.
+  const int cases[][4] = {// slowdown, count, then frame and count after a draw
+                          {INT_MAX, INT_MAX - 2, 0, INT_MAX - 1},
+                          {INT_MAX, INT_MAX - 1, 1, 0},
+                          {INT_MAX, INT_MAX, 1, 0},
+                          {INT_MIN, 0, 1, 0},
+                          {INT_MIN, INT_MAX, 1, 0},
+                          {2, INT_MAX, 1, 0}};
+  for (const auto& c : cases) {
+    auto p_extreme = digitSprite(2, c[0]);
+    animation.setSprite(p_extreme.get());
+    animation.setSlowdownCount(c[1]);
+    animation.draw(vt::Vector(5, 5));
+    EXPECT_EQ(animation.getIndex(), c[2]) << c[0] << ", " << c[1];
+    EXPECT_EQ(animation.getSlowdownCount(), c[3]) << c[0] << ", " << c[1];
   }
-  EXPECT_EQ(shown, (std::vector<int>{1, 2, 0, 1}));
 }
 
-TEST(Animation, BoxesFollowTheSprite) {
-  vt::Animation animation;
-  EXPECT_EQ(animation.getBox(), vt::Box(Vector(-0.5f, -0.5f), 0.99f, 0.99f));
-  Sprite wide(1);
+TEST(Animation, BoxFollowsTheSpriteAndSpritesHoldTheirFrames) {
+  Animation animation;
+  EXPECT_EQ(animation.getBox(), vt::Box(vt::Vector(-0.5f, -0.5f), 0.99f, 0.99f));
+  Sprite wide(2);
   wide.setWidth(5);
   wide.setHeight(3);
   animation.setSprite(&wide);
-  EXPECT_EQ(animation.getBox(), vt::Box(Vector(-2.5f, -1.5f), 5, 3));
-  Sprite dot(1);
-  dot.setWidth(1);
-  dot.setHeight(1);
-  animation.setSprite(&dot);
-  EXPECT_EQ(animation.getBox(), vt::Box(Vector(-0.5f, -0.5f), 1, 1));
+  EXPECT_EQ(animation.getBox(), vt::Box(vt::Vector(-2.5f, -1.5f), 5, 3));
+  EXPECT_EQ(wide.addFrame(vt::Frame(1, 1, "a")) + wide.addFrame(vt::Frame(1, 1, "b")), 0);
+  EXPECT_EQ(wide.addFrame(vt::Frame(1, 1, "c")), -1);
+  EXPECT_EQ(wide.getFrameCount(), 2);
+  EXPECT_EQ(wide.getFrame(0).getString() + wide.getFrame(1).getString(), "ab");
+  EXPECT_EQ(wide.getFrame(2).getString() + wide.getFrame(-1).getString(), "");
 }
 
-TEST(Sprite, CapacityAndFrameLookup) {
-  Sprite sprite(2);
-  EXPECT_EQ(sprite.addFrame(Frame(1, 1, "a")), 0);
-  EXPECT_EQ(sprite.addFrame(Frame(1, 1, "b")), 0);
-  EXPECT_EQ(sprite.addFrame(Frame(1, 1, "c")), -1);
-  EXPECT_EQ(sprite.getFrameCount(), 2);
-  EXPECT_EQ(sprite.getFrame(1).getString(), "b");
-  EXPECT_EQ(sprite.getFrame(2).getString(), "");
-  EXPECT_EQ(sprite.getFrame(-1).getString(), "");
-  // An empty frame draws nothing and succeeds.
-  EXPECT_EQ(sprite.draw(5, Vector(), 0), 0);
-  EXPECT_EQ(Frame(2, 1, "##").draw(Vector(), vt::WHITE, '#'), 0);
+TEST(Animation, SerializesWhenChosenAndReadsNumbersAsAtoiDoes) {
+  test::ResourceEngine engine;
+  ASSERT_EQ(engine.loadSpriteText("keep", "2\n3\n1\n2\ncyan\nabc\ndef\n"), 0);
+  Sprite* p_keep = vt::ResourceManager::getInstance().getSprite("keep");
+  Animation animation;
+  EXPECT_EQ(animation.serialize(), "sprite_name:,sprite_index:0,sprite_slowdown_count:0,");
+  EXPECT_EQ(animation.serialize(), "");
+  animation.setIndex(1);
+  EXPECT_EQ(animation.serialize("POSITION,"), "");
+  EXPECT_EQ(animation.serialize("ID,ANIMATION,"),
+            "sprite_name:,sprite_index:1,sprite_slowdown_count:0,");
+  EXPECT_EQ(animation.deserialize("sprite_name:keep,sprite_slowdown_count:-1,"), 0);
+  EXPECT_EQ(animation.getSprite(), p_keep);
+  EXPECT_EQ(animation.getIndex(), 0);
+  EXPECT_EQ(animation.serialize(), "sprite_name:keep,sprite_index:0,sprite_slowdown_count:-1,");
+  // An unknown name is kept; the sprite shown stays.
+  animation.deserialize("sprite_name:ghost,");
+  EXPECT_EQ(animation.getName(), "ghost");
+  EXPECT_EQ(animation.getSprite(), p_keep);
+  EXPECT_NE(engine.logText().find("Animation::Match(): Sprite 'ghost' not found"),
+            std::string::npos);
+  const struct {
+    std::string text;
+    int index;
+    int count;
+  } readings[] = {{"sprite_index:abc,", 0, -1},
+                  {"sprite_index:12ab,sprite_slowdown_count:7,", 12, 7},
+                  {"sprite_index:-3,sprite_slowdown_count:99999999999,", -3, INT_MAX},
+                  {"sprite_slowdown_count:-99999999999,", -3, INT_MIN},
+                  {"", -3, INT_MIN}};
+  for (const auto& reading : readings) {
+    EXPECT_EQ(animation.deserialize(reading.text), 0);
+    EXPECT_EQ(animation.getIndex(), reading.index) << reading.text;
+    EXPECT_EQ(animation.getSlowdownCount(), reading.count) << reading.text;
+  }
 }

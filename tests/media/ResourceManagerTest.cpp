@@ -1,9 +1,11 @@
+// The resource manager's tables of sprites, sounds and music by label.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
-#include "core/Box.h"
 #include "core/LogManager.h"
 #include "media/ResourceManager.h"
 #include "support/HeadlessEngine.h"
@@ -11,6 +13,7 @@
 #include "world/Object.h"
 
 using Lines = std::vector<std::string>;
+using Status = sf::SoundSource::Status;
 
 namespace {
 
@@ -20,85 +23,64 @@ vt::ResourceManager& rm() {
 
 const char* const ONE_FRAME = "1\n5\n3\n0\nred\n.....\n.....\n.....\n";
 
-// An object whose modified flags a test can clear.
-class FlagObject : public vt::Object {
- public:
-  using vt::Object::setModified;
-};
-
 }  // namespace
 
-TEST(ResourceManager, RefusesWorkWhenNotStarted) {
-  test::HeadlessEngine engine;
-  const std::string file = engine.getDirectory() + "/ship.txt";
-  EXPECT_EQ(rm().getType(), "ResourceManager");
-  EXPECT_EQ(rm().loadSprite(file, "ship"), -1);
-  EXPECT_EQ(rm().unloadSprite("ship"), -1);
-  EXPECT_EQ(rm().loadSound(file, "fire"), -1);
-  EXPECT_EQ(rm().unloadSound("fire"), -1);
-  EXPECT_EQ(rm().loadMusic(file, "theme"), -1);
-  EXPECT_EQ(rm().unloadMusic("theme"), -1);
-  const std::string log = engine.logText();
-  int refusals = 0;
-  for (std::size_t at = log.find(" ResourceManager not started!\n"); at != std::string::npos;
-       at = log.find(" ResourceManager not started!\n", at + 1)) {
-    refusals++;
+TEST(ResourceManager, WorksOnlyWhileStartedAndForgetsAllWhenStopped) {
+  {
+    test::HeadlessEngine engine;
+    const std::string file = engine.getDirectory() + "/ship.txt";
+    EXPECT_EQ(rm().loadSprite(file, "ship") + rm().unloadSprite("ship") +
+                  rm().loadSound(file, "fire") + rm().unloadSound("fire") +
+                  rm().loadMusic(file, "theme") + rm().unloadMusic("theme"),
+              -6);
+    const std::string log = engine.logText();
+    int refusals = 0;
+    for (auto at = log.find(" ResourceManager not started!\n"); at != std::string::npos;
+         at = log.find(" ResourceManager not started!\n", at + 1)) {
+      refusals++;
+    }
+    EXPECT_EQ(refusals, 6);
   }
-  EXPECT_EQ(refusals, 6);
-  EXPECT_EQ(log.find("Loading sprite"), std::string::npos);
-}
-
-TEST(ResourceManager, StartAndShutDown) {
   test::ResourceEngine engine;
   vt::LogManager::getInstance().setLogLevel(5);
   EXPECT_EQ(rm().startUp(), -1);
-  EXPECT_EQ(engine.newLogLines().back(),
-            "ResourceManager::startup(): Warning! ResourceManager already started.");
   ASSERT_EQ(engine.loadSpriteText("ship", ONE_FRAME), 0);
+  ASSERT_EQ(rm().loadSound(engine.writeWav("fire.wav", 100), "fire"), 0);
+  ASSERT_EQ(rm().loadMusic(engine.writeWav("theme.wav", 100), "theme"), 0);
   rm().shutDown();
-  EXPECT_EQ(engine.newLogLines().back(), "RM::shutDown(): successfully stopped.");
   EXPECT_FALSE(rm().isStarted());
-  EXPECT_EQ(rm().getSprite("ship"), nullptr);
-  EXPECT_EQ(rm().getSpriteCount(), 0);
-  EXPECT_EQ(rm().loadSprite(engine.writeFile("ship.txt", ONE_FRAME), "ship"), -1);
-
   EXPECT_EQ(rm().startUp(), 0);
-  EXPECT_EQ(engine.newLogLines().back(), "RM::startUp(): successfully started.");
-  EXPECT_EQ(engine.loadSpriteText("ship", ONE_FRAME), 0);
-  EXPECT_EQ(rm().getSpriteCount(), 1);
+  EXPECT_EQ(rm().getSpriteCount() + rm().getSoundCount() + rm().getMusicCount(), 0);
+  EXPECT_EQ(rm().getSound("fire"), nullptr);
+  EXPECT_EQ(rm().getMusic("theme"), nullptr);
+  const std::string log = engine.logText();
+  for (const char* line :
+       {"ResourceManager::startup(): Warning! ResourceManager already started.",
+        "RM::shutDown(): successfully stopped.", "RM::startUp(): successfully started."}) {
+    EXPECT_NE(log.find(std::string(line) + "\n"), std::string::npos) << line;
+  }
 }
 
-TEST(ResourceManager, SpriteTableByLabel) {
+TEST(ResourceManager, SpritesByLabelUpToAThousandAndOnObjects) {
   test::ResourceEngine engine;
   for (const char* label : {"a", "b", "c", "b"}) {
     ASSERT_EQ(engine.loadSpriteText(label, ONE_FRAME), 0);
   }
-  vt::Sprite* p_first_b = rm().getSprite("b");
   vt::Sprite* p_c = rm().getSprite("c");
-  ASSERT_NE(p_first_b, nullptr);
   vt::LogManager::getInstance().setLogLevel(5);
   engine.newLogLines();
   EXPECT_EQ(rm().getSprite("B"), nullptr);
   EXPECT_EQ(engine.newLogLines(), (Lines{"RM::getSprite(): Looking for sprite 'B'.",
                                          "RM::getSprite(): Warning! Sprite 'B' not found."}));
-  // The first of two equal labels is found and unloaded first; the others
-  // keep their order.
+  // The first of two equal labels goes first; the others keep their order.
   EXPECT_EQ(rm().unloadSprite("b"), 0);
-  EXPECT_EQ(rm().getSpriteCount(), 3);
   EXPECT_EQ(rm().getSprite("c"), p_c);
-  vt::Sprite* p_second_b = rm().getSprite("b");
-  EXPECT_NE(p_second_b, nullptr);
   EXPECT_EQ(rm().unloadSprite("b"), 0);
   EXPECT_EQ(rm().unloadSprite("b"), -1);
-  EXPECT_EQ(rm().unloadSprite("a"), 0);
   EXPECT_EQ(rm().getSprite("c"), p_c);
-  EXPECT_EQ(rm().getSpriteCount(), 1);
-}
-
-TEST(ResourceManager, AtMostAThousandSprites) {
-  test::ResourceEngine engine;
+  EXPECT_EQ(rm().getSpriteCount(), 2);
   const std::string file = engine.writeFile("dot.txt", "1\n1\n1\n0\nwhite\n*\n");
-  for (int i = 0; i < vt::MAX_SPRITES; i++) {
+  for (int i = 2; i < vt::MAX_SPRITES; i++) {
     ASSERT_EQ(rm().loadSprite(file, "dot" + std::to_string(i)), 0) << i;
   }
   engine.newLogLines();
@@ -106,34 +88,90 @@ TEST(ResourceManager, AtMostAThousandSprites) {
   EXPECT_EQ(engine.newLogLines(),
             (Lines{"RM::loadRobustSprite(): Error! Cannot add more Sprites (max is 1000).",
                    "RM::loadRobustSprite(): Sprite 'one-too-many' not loaded."}));
-  EXPECT_EQ(rm().getSpriteCount(), vt::MAX_SPRITES);
   EXPECT_NE(rm().getSprite("dot999"), nullptr);
-  EXPECT_EQ(rm().unloadSprite("dot0"), 0);
+  EXPECT_EQ(rm().unloadSprite("a"), 0);
   EXPECT_EQ(rm().loadSprite(file, "one-more"), 0);
-  EXPECT_NE(rm().getSprite("one-more"), nullptr);
+  // An object takes a sprite and its box by label and keeps both when the
+  // label is unknown.
+  auto* p_object = new vt::Object;
+  const vt::Box default_box = p_object->getBox();
+  EXPECT_EQ(p_object->setSprite("boat"), -1);
+  EXPECT_EQ(p_object->getBox(), default_box);
+  EXPECT_EQ(p_object->setSprite("c"), 0);
+  EXPECT_EQ(p_object->getAnimation().getSprite(), p_c);
+  EXPECT_EQ(p_object->getBox(), vt::Box(vt::Vector(-2.5f, -1.5f), 5, 3));
 }
 
-TEST(ResourceManager, ObjectTakesSpriteAndItsBox) {
-  test::ResourceEngine engine;
-  ASSERT_EQ(engine.loadSpriteText("ship", ONE_FRAME), 0);
-  auto* p_object = new FlagObject;
-  p_object->setPosition(vt::Vector(20, 10));
-  const vt::Box default_box = p_object->getBox();
-  p_object->setModified(vt::BOX, false);
-  p_object->setModified(vt::ANIMATION, false);
+TEST(ResourceManager, SoundsMoveDownWhenOneGoesAndMusicKeepsItsSlot) {
+  testing::internal::CaptureStderr();
+  {
+    test::ResourceEngine engine;
+    vt::LogManager::getInstance().setLogLevel(1);
+    const std::string file = engine.writeWav("beep.wav", 400);
+    for (const char* label : {"fire", "boom", "hit"}) ASSERT_EQ(rm().loadSound(file, label), 0);
+    EXPECT_EQ(engine.newLogLines().back(), "RM::loadSound(): Sound 'hit' successfully loaded.");
+    vt::Sound* p_first_slot = rm().getSound("fire");
+    EXPECT_EQ(rm().unloadSound("fire"), 0);
+    EXPECT_EQ(rm().unloadSound("fire"), -1);
+    EXPECT_EQ(rm().getSound("boom"), p_first_slot);
+    EXPECT_EQ(rm().getSound("hit"), p_first_slot + 1);
+    // The moved sounds keep their samples, also when the freed slot is
+    // loaded again; stopping the manager stops them all.
+    ASSERT_EQ(rm().loadSound(file, "zap"), 0);
+    EXPECT_EQ(rm().getSound("zap"), p_first_slot + 2);
+    for (int i = 0; i < 3; i++) p_first_slot[i].play(true);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    for (int i = 0; i < 3; i++) EXPECT_EQ(p_first_slot[i].getStatus(), Status::Playing) << i;
+    rm().shutDown();
+    for (int i = 0; i < 3; i++) EXPECT_EQ(p_first_slot[i].getStatus(), Status::Stopped) << i;
+    ASSERT_EQ(rm().startUp(), 0);
+    for (int i = 0; i < vt::MAX_SOUNDS; i++) ASSERT_EQ(rm().loadSound(file, std::to_string(i)), 0);
+    engine.newLogLines();
+    EXPECT_EQ(rm().loadSound(file, "one-too-many"), -1);
+    EXPECT_EQ(rm().unloadSound("0"), 0);
+    EXPECT_EQ(rm().loadSound(file, "one-more"), 0);
+    EXPECT_NE(rm().getSound("99"), nullptr);
 
-  engine.newLogLines();
-  EXPECT_EQ(p_object->setSprite("boat"), -1);
-  EXPECT_EQ(engine.newLogLines(), (Lines{"RM::getSprite(): Warning! Sprite 'boat' not found.",
-                                         "Object::setSprite(): Warning! Sprite 'boat' not found"}));
-  EXPECT_EQ(p_object->getBox(), default_box);
-  EXPECT_FALSE(p_object->isModified(vt::BOX));
-  EXPECT_EQ(p_object->getAnimation().getSprite(), nullptr);
-
-  EXPECT_EQ(p_object->setSprite("ship"), 0);
-  EXPECT_EQ(p_object->getAnimation().getSprite(), rm().getSprite("ship"));
-  EXPECT_EQ(p_object->getAnimation().getName(), "ship");
-  EXPECT_EQ(p_object->getBox(), vt::Box(vt::Vector(-2.5f, -1.5f), 5, 3));
-  EXPECT_TRUE(p_object->isModified(vt::BOX));
-  EXPECT_FALSE(p_object->isModified(vt::ANIMATION));
+    // Music long enough for its stream never to run dry on a busy machine.
+    const std::string song = engine.writeWav("song.wav", 8000 * 5);
+    EXPECT_EQ(rm().loadMusic(song, ""), -1);
+    const std::string missing = engine.writeFile("", "") + "missing.ogg";
+    EXPECT_EQ(rm().loadMusic(missing, "gone"), -1);
+    ASSERT_EQ(rm().loadMusic(song, "theme"), 0);
+    ASSERT_EQ(rm().loadMusic(song, "boss"), 0);
+    vt::Music* p_theme = rm().getMusic("theme");
+    ASSERT_NE(p_theme, nullptr);
+    EXPECT_EQ(p_theme->getLabel(), "theme");
+    p_theme->play(true);
+    p_theme[1].play(true);
+    // Unloading stops the music and hides it; its slot stays taken.
+    EXPECT_EQ(rm().unloadMusic("theme"), 0);
+    EXPECT_EQ(p_theme->getStatus(), Status::Stopped);
+    EXPECT_EQ(rm().unloadMusic("theme"), -1);
+    EXPECT_EQ(rm().getMusic("theme"), nullptr);
+    EXPECT_EQ(rm().getMusic(""), nullptr);
+    EXPECT_EQ(p_theme[1].getStatus(), Status::Playing);
+    const Lines messages = engine.newLogLines();
+    for (int i = 2; i < vt::MAX_MUSICS; i++) ASSERT_EQ(rm().loadMusic(song, std::to_string(i)), 0);
+    engine.newLogLines();
+    EXPECT_EQ(rm().loadMusic(song, "one-too-many"), -1);
+    EXPECT_NE(rm().getMusic("49"), nullptr);
+    rm().shutDown();
+    EXPECT_EQ(p_theme[1].getStatus(), Status::Stopped);
+    ASSERT_EQ(rm().startUp(), 0);
+    EXPECT_EQ(messages,
+              (Lines{"RM::loadSound(): Error! Unable to add more sounds (max is 100).",
+                     "RM::loadSound(): Sound 'one-more' successfully loaded.",
+                     "RM::loadMusic(): Error! Must provide label for music.",
+                     "SFML: Failed to open sound file \"" + missing + "\" (couldn't open stream)",
+                     "RM::loadmusic(): Error! Cannot load music from file '" + missing + "'.",
+                     "RM::loadMusic(): Music 'theme' successfully loaded.",
+                     "RM::loadMusic(): Music 'boss' successfully loaded.",
+                     "RM::getMusic(): Warning! Music 'theme' not found.",
+                     "RM::getMusic(): Warning! Music '' not found."}));
+    EXPECT_EQ(engine.newLogLines(),
+              (Lines{"RM::loadMusic(): Error! Unable to add more musics (max is 50).",
+                     "RM::shutDown(): successfully stopped."}));
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }

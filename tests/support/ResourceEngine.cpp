@@ -8,21 +8,17 @@
 
 #include <gtest/gtest.h>
 
+#include "core/Config.h"
 #include "core/LogManager.h"
 #include "media/ResourceManager.h"
 
 namespace test {
 
-namespace {
-
-const std::uint32_t SAMPLE_RATE = 44100;
-const double PI = 3.14159265358979;
-
-void writeLittleEndian(std::ofstream& file, std::uint32_t value, int bytes) {
-  for (int i = 0; i < bytes; i++) file.put(static_cast<char>((value >> (8 * i)) & 0xFF));
+std::string littleEndian(unsigned long value, int count) {
+  std::string bytes;
+  for (int i = 0; i < count; i++) bytes.push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
+  return bytes;
 }
-
-}  // namespace
 
 ResourceEngine::ResourceEngine() {
   vt::LogManager& log_manager = vt::LogManager::getInstance();
@@ -37,6 +33,7 @@ ResourceEngine::~ResourceEngine() {
   log_manager.setLogLevel(0);
   log_manager.setLogTimeString(true);
   log_manager.setLogStepCount(true);
+  vt::Config::getInstance().reset();
 }
 
 std::string ResourceEngine::writeFile(const std::string& name, const std::string& bytes) const {
@@ -46,29 +43,18 @@ std::string ResourceEngine::writeFile(const std::string& name, const std::string
   return path;
 }
 
-std::string ResourceEngine::writeWav(const std::string& name, int sample_count,
-                                     long claimed_count) const {
-  const std::string path = engine.getDirectory() + "/" + name;
-  const auto data_bytes =
-      static_cast<std::uint32_t>(2 * (claimed_count < 0 ? sample_count : claimed_count));
-  std::ofstream file(path, std::ios::binary);
-  file << "RIFF";
-  writeLittleEndian(file, 36 + data_bytes, 4);
-  file << "WAVEfmt ";
-  writeLittleEndian(file, 16, 4);               // format chunk size
-  writeLittleEndian(file, 1, 2);                // PCM
-  writeLittleEndian(file, 1, 2);                // mono
-  writeLittleEndian(file, SAMPLE_RATE, 4);      // samples per second
-  writeLittleEndian(file, SAMPLE_RATE * 2, 4);  // bytes per second
-  writeLittleEndian(file, 2, 2);                // bytes per sample frame
-  writeLittleEndian(file, 16, 2);               // bits per sample
-  file << "data";
-  writeLittleEndian(file, data_bytes, 4);
+std::string ResourceEngine::wavBytes(int sample_count, long claimed_count) {
+  const unsigned long data_bytes = 2 * (claimed_count < 0 ? sample_count : claimed_count);
+  // Format: PCM, mono, 8000 samples and 16000 bytes a second, 2-byte
+  // frames of 16 bits.
+  std::string bytes = "RIFF" + littleEndian(36 + data_bytes, 4) + "WAVEfmt " + littleEndian(16, 4) +
+                      littleEndian(1, 2) + littleEndian(1, 2) + littleEndian(8000, 4) +
+                      littleEndian(16000, 4) + littleEndian(2, 2) + littleEndian(16, 2) + "data" +
+                      littleEndian(data_bytes, 4);
   for (int i = 0; i < sample_count; i++) {
-    const double tone = std::sin(2 * PI * 440 * i / SAMPLE_RATE);
-    writeLittleEndian(file, static_cast<std::uint16_t>(static_cast<std::int16_t>(tone * 8000)), 2);
+    bytes += littleEndian(static_cast<std::uint16_t>(std::lround(8000 * std::sin(i * 0.3))), 2);
   }
-  return path;
+  return bytes;
 }
 
 int ResourceEngine::loadSpriteText(const std::string& label, const std::string& text) {

@@ -1,0 +1,342 @@
+// What the display manager, frames, view objects, shapes and a moving scene
+// put on the screen of a real window under a private X server.
+#include <gtest/gtest.h>
+
+#include <SFML/Graphics.hpp>
+#include <algorithm>
+#include <fstream>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "core/Config.h"
+#include "core/LogManager.h"
+#include "media/DisplayManager.h"
+#include "media/Frame.h"
+#include "media/ResourceManager.h"
+#include "media/Shape.h"
+#include "media/ViewObject.h"
+#include "support/TestSupport.h"
+#include "world/WorldManager.h"
+
+using vt::Vector;
+
+namespace {
+
+struct Cell {
+  Vector position;
+  char ch;
+  vt::Color color;
+};
+
+// The text's cells from (x, y) on, a row per line.
+std::vector<Cell> cells(float x, float y, const std::string& text, vt::Color color = vt::WHITE) {
+  std::vector<Cell> result;
+  Vector at(x, y);
+  for (const char ch : text) {
+    if (ch != '\n') result.push_back({at, ch, color});
+    at = ch == '\n' ? Vector(x, at.getY() + 1) : at + Vector(1, 0);
+  }
+  return result;
+}
+
+// The bounding box of the pixels that are not black.
+sf::IntRect inkBounds(const sf::Image& image) {
+  int left = 1024, top = 768, right = -1, bottom = -1;
+  for (int y = 0; y < 768; y++) {
+    for (int x = 0; x < 1024; x++) {
+      if (image.getPixel(x, y) == sf::Color::Black) continue;
+      left = std::min(left, x);
+      top = std::min(top, y);
+      right = std::max(right, x);
+      bottom = std::max(bottom, y);
+    }
+  }
+  return {left, top, right - left + 1, bottom - top + 1};
+}
+
+// Pixels of the colour in the area.
+long countPixels(const sf::Image& image, sf::Color color, sf::IntRect area = {0, 0, 1024, 768}) {
+  long count = 0;
+  for (int y = area.top; y < area.top + area.height; y++) {
+    for (int x = area.left; x < area.left + area.width; x++) count += image.getPixel(x, y) == color;
+  }
+  return count;
+}
+
+class DrawingWindowTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(vt::test::startProcessXvfb());
+    ASSERT_EQ(world.startUp(), 0);
+    world.setView(vt::Box(Vector(0, 0), 80, 24));
+    ASSERT_EQ(display.startUp(), 0) << config.logText();
+  }
+  void TearDown() override {
+    world.shutDown();
+    vt::ResourceManager::getInstance().shutDown();
+    if (display.isStarted()) display.shutDown();
+  }
+
+  sf::Image showAndCapture() {
+    display.swapBuffers();
+    return vt::test::captureWindow(*display.getWindow());
+  }
+
+  // What was drawn since the last swap shows exactly as the cells drawn
+  // one by one.
+  void expectShownAs(const std::vector<std::vector<Cell>>& rows, const std::string& what) {
+    const sf::Image shown = showAndCapture();
+    EXPECT_LT(countPixels(shown, sf::Color::Black), 1024 * 768) << what;
+    for (const auto& row : rows) {
+      for (const Cell& cell : row) display.drawCh(cell.position, cell.ch, cell.color);
+    }
+    EXPECT_EQ(vt::test::countDifferentPixels(shown, showAndCapture()), 0) << what;
+  }
+
+  // A frame of one white 'X' at a fixed cell; the box of its ink.
+  sf::IntRect shownGlyph() {
+    display.drawCh(Vector(10, 5), 'X', vt::WHITE);
+    return inkBounds(showAndCapture());
+  }
+
+  vt::test::TestConfig config{false};
+  vt::WorldManager& world = vt::WorldManager::getInstance();
+  vt::DisplayManager& display = vt::DisplayManager::getInstance();
+};
+
+}  // namespace
+
+TEST_F(DrawingWindowTest, OpensACentredWindowAndNeedsItsFont) {
+  EXPECT_EQ(display.getWindow()->getSize(), sf::Vector2u(1024, 768));
+  EXPECT_EQ(display.getWindow()->getPosition(), sf::Vector2i(128, 128));
+  display.shutDown();
+  EXPECT_EQ(display.getWindow(), nullptr);
+  vt::LogManager::getInstance().setLogLevel(5);
+  vt::Config::getInstance().loadConfig(
+      "window_horizontal_pixels:1280,window_vertical_pixels:1024,");
+  ASSERT_EQ(display.startUp(), 0);
+  EXPECT_EQ(display.getWindow()->getPosition(), sf::Vector2i(0, 0));
+  display.shutDown();
+  vt::Config::getInstance().setFontFile(config.folder() + "/missing.ttf");
+  EXPECT_EQ(display.startUp(), -1);
+  EXPECT_FALSE(display.isStarted());
+  EXPECT_EQ(display.getWindow(), nullptr);
+  for (const std::string& line :
+       std::vector<std::string>{"DisplayManager::startUp(): window resolution (1280, 1024) pixels.",
+                                "DisplayManager::startUp(): successfully started.",
+                                "DisplayManager::startUp(): Unable to load font from file '" +
+                                    config.folder() + "/missing.ttf'."}) {
+    EXPECT_NE(config.logText().find(line + "\n"), std::string::npos) << line;
+  }
+}
+
+// A full screen of assorted characters, some on half cells, with a drawable
+// over the second half and, the second time, a green background from a
+// quarter on: drawn as one rectangle and one text per cell would be.
+TEST_F(DrawingWindowTest, DrawsLikeOneRectangleAndOneTextPerCell) {
+  sf::RenderWindow& window = *display.getWindow();
+  world.setView(vt::Box(Vector(1, 1), 80, 24));
+  std::mt19937 generator(7);
+  std::vector<Cell> screen;
+  for (int i = 0; i < 80 * 24; i++) {
+    const float shift = (i % 7 == 3) ? 0.5f : 0.0f;
+    screen.push_back(
+        {Vector(static_cast<float>(i % 80) + shift, static_cast<float>(i / 80) + shift),
+         static_cast<char>(32 + generator() % 95),
+         static_cast<vt::Color>(vt::RED + generator() % 7)});
+  }
+  sf::RectangleShape panel({300.0f, 220.0f});
+  panel.setPosition(200.0f, 280.0f);
+  panel.setFillColor(sf::Color(200, 120, 40));
+  sf::Font font;
+  ASSERT_TRUE(font.loadFromFile(VANTOR_FONT_PATH));
+  sf::Text text("", font, static_cast<unsigned int>(vt::charWidth() * 2));
+  text.setStyle(sf::Text::Bold);
+  sf::RectangleShape background({vt::charWidth(), vt::charHeight()});
+  for (const std::size_t quarter : {screen.size(), screen.size() / 4}) {
+    window.clear(sf::Color::Blue);
+    display.setBackgroundColor(vt::BLUE);
+    display.swapBuffers();
+    for (std::size_t i = 0; i < screen.size(); i++) {
+      if (i == screen.size() / 2) window.draw(panel);
+      const Vector pixels = vt::spacesToPixels(vt::worldToView(screen[i].position));
+      background.setFillColor(i < quarter ? sf::Color::Blue : sf::Color::Green);
+      background.setPosition(pixels.getX() - vt::charWidth() / 10,
+                             pixels.getY() + vt::charHeight() / 5);
+      window.draw(background);
+      text.setString(std::string(1, screen[i].ch));
+      text.setPosition(pixels.getX(), pixels.getY());
+      text.setFillColor(vt::colorToSFML(screen[i].color));
+      window.draw(text);
+    }
+    const sf::Image expected = showAndCapture();
+    for (std::size_t i = 0; i < screen.size(); i++) {
+      if (i == quarter) display.setBackgroundColor(vt::GREEN);
+      const int drawn = i == screen.size() / 2 ? display.drawDrawable(panel) : 0;
+      ASSERT_EQ(drawn + display.drawCh(screen[i].position, screen[i].ch, screen[i].color), 0);
+    }
+    const sf::Image actual = showAndCapture();
+    const long different = vt::test::countDifferentPixels(expected, actual);
+    EXPECT_TRUE(different >= 0 && different <= 20) << different;
+    EXPECT_GT(countPixels(actual, sf::Color::Green), quarter < screen.size() ? 100000 : -1);
+    EXPECT_LT(countPixels(actual, sf::Color::Blue) + countPixels(actual, sf::Color::Green),
+              1024 * 768 - 100000);
+  }
+}
+
+TEST_F(DrawingWindowTest, StringsFramesAndViewObjectsLandOnTheirCells) {
+  display.drawString(Vector(40, 6), "ABCD", vt::LEFT_JUSTIFIED, vt::GREEN);
+  expectShownAs({cells(40, 6, "ABCD", vt::GREEN)}, "left");
+  display.drawString(Vector(40, 6), "ABCD", vt::CENTER_JUSTIFIED, vt::RED);
+  expectShownAs({cells(38, 6, "ABCD", vt::RED)}, "centred, even");
+  display.drawString(Vector(40, 6), "ABCDE", vt::CENTER_JUSTIFIED, vt::RED);
+  expectShownAs({cells(38, 6, "ABCDE", vt::RED)}, "centred, odd");
+  display.drawString(Vector(40, 6), "ABCD", vt::RIGHT_JUSTIFIED, vt::BLUE);
+  expectShownAs({cells(36, 6, "ABCD", vt::BLUE)}, "right");
+  // Frames are centred on their position, on half cells when even.
+  vt::Frame(4, 2, "ab#.cd+*").draw(Vector(20, 6), vt::CYAN, '.');
+  expectShownAs({cells(18.5f, 5.5f, "ab#\ncd+*", vt::CYAN)}, "frame with transparency");
+  vt::Frame(3, 1, "a.b").draw(Vector(9, 9), vt::RED, 0);
+  expectShownAs({cells(8, 9, "a.b", vt::RED)}, "frame without transparency");
+  // Objects show their sprite's frame in its colour, transparent cells left
+  // out, in sprite files of both formats.
+  vt::ResourceManager& resources = vt::ResourceManager::getInstance();
+  ASSERT_EQ(resources.startUp(), 0);
+  const std::string files[] = {
+      "2\n3\n2\n4\nmagenta\n ^ \n/#\\\n ^ \n/*\\\n",
+      "<HEADER>\nframes 1\nwidth 3\nheight 2\ncolor green\ntransparency #\n"
+      "</HEADER>\n<BODY>\n(o)\n#_#\nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n"};
+  for (const std::string& text : files) {
+    std::ofstream(config.folder() + "/sprite.txt") << text;
+    ASSERT_EQ(resources.loadSprite(config.folder() + "/sprite.txt", "sprite" + text.substr(0, 1)),
+              0)
+        << config.logText();
+  }
+  auto* p_object = new vt::Object;
+  EXPECT_EQ(p_object->setSprite("sprite2"), 0);
+  p_object->setPosition(Vector(30, 10));
+  world.draw();
+  expectShownAs({cells(29, 9.5f, " ^ \n/#\\", vt::MAGENTA)}, "simple sprite file");
+  p_object->setSprite("sprite<");
+  world.draw();
+  expectShownAs({cells(29, 9.5f, "(o)", vt::GREEN), cells(30, 10.5f, "_", vt::GREEN)},
+                "sectioned sprite file with transparency");
+  world.markForDelete(p_object);
+  world.update();
+  // A view object stays put on the screen when the view moves.
+  auto* p_view = new vt::ViewObject;
+  p_view->setViewString("Score");
+  p_view->setValue(42);
+  p_view->setLocation(vt::TOP_LEFT);
+  world.setView(vt::Box(Vector(5, 2), 80, 24));
+  const float x = 80.0f / 6 + 5;
+  world.draw();
+  expectShownAs({cells(x - 5, 2, "----------\n Score 42 \n----------"), cells(x - 6, 3, "|"),
+                 cells(x + 5, 3, "|")},
+                "view object with border");
+  p_view->setBorder(false);
+  p_view->setLocation(vt::TOP_LEFT);
+  world.draw();
+  expectShownAs({cells(x - 4, 2, "Score 42")}, "view object without border");
+  p_view->setDrawValue(false);
+  world.draw();
+  expectShownAs({cells(x - 2, 2, "Score")}, "view object without value");
+}
+
+TEST_F(DrawingWindowTest, ShakesGlyphsBySeverityForTheGivenSteps) {
+  const sf::IntRect still = shownGlyph();
+  display.shake(2, 2, 3);
+  display.shake(0, 0, 27, true);
+  display.swapBuffers();
+  std::set<std::pair<int, int>> offsets;
+  for (int step = 0; step < 30; step++) {
+    const sf::IntRect moved = shownGlyph();
+    offsets.insert({moved.left - still.left, moved.top - still.top});
+    EXPECT_EQ(moved.width, still.width);
+  }
+  const std::set<std::pair<int, int>> nine = {{-1, -1}, {-1, 1}, {-1, 3}, {1, -1}, {1, 1},
+                                              {1, 3},   {3, -1}, {3, 1},  {3, 3}};
+  EXPECT_EQ(offsets, nine);
+  EXPECT_EQ(shownGlyph(), still);
+  // Added to a shake of 2 steps: 5 steps, sideways by the severity 2 and
+  // one pixel down for the severity 0.
+  display.shake(0, 0, 2);
+  display.shake(2, 0, 3, true);
+  display.swapBuffers();
+  std::vector<int> moved_steps;
+  for (int step = 0; step < 8; step++) {
+    const sf::IntRect moved = shownGlyph();
+    EXPECT_EQ(moved.top - still.top, moved.left == still.left ? 0 : 1);
+    if (moved.top != still.top) moved_steps.push_back(step);
+  }
+  EXPECT_EQ(moved_steps, (std::vector<int>{0, 1, 2, 3, 4}));
+}
+
+TEST_F(DrawingWindowTest, LinesDrawablesAndBackgroundsLayerInCallOrder) {
+  // Cell 5 is drawn before the line and cell 8 after it: only cell 8's
+  // background covers the line.
+  display.drawCh(Vector(5, 1), ' ', vt::WHITE);
+  EXPECT_EQ(display.drawLine(Vector(1, 1.5f), Vector(20, 1.5f), vt::RED), 0);
+  display.drawCh(Vector(8, 1), ' ', vt::WHITE);
+  const sf::Image shown = showAndCapture();
+  EXPECT_GE(countPixels(shown, sf::Color::Red, {65, 40, 10, 30}), 10);
+  EXPECT_EQ(countPixels(shown, sf::Color::Red, {104, 40, 10, 30}), 0);
+  EXPECT_NEAR(countPixels(shown, sf::Color::Red), 18 * 12.8, 3);
+
+  EXPECT_TRUE(display.setBackgroundColor(vt::MAGENTA));
+  display.swapBuffers();
+  display.drawCh(Vector(3, 3), '#', vt::YELLOW);
+  display.drawCh(Vector(6, 3), '#', 10, 20, 30);
+  const sf::Image coloured = showAndCapture();
+  EXPECT_GT(countPixels(coloured, sf::Color::Yellow), 0);
+  EXPECT_GT(countPixels(coloured, sf::Color(10, 20, 30)), 0);
+  EXPECT_GT(countPixels(coloured, sf::Color::Magenta), 1024 * 768 - 2000);
+}
+
+TEST_F(DrawingWindowTest, ShapesInTheirColourSizeAndOpacity) {
+  vt::Shape shape;
+  shape.setType(3);
+  shape.setType(-2);
+  EXPECT_EQ(shape.getType(), vt::UNDEFINED_SHAPE);
+  EXPECT_NE(config.logText().find("Shape::setType(): Unknown shape type 3. Ignoring.\n"),
+            std::string::npos);
+  shape.setSize(12);
+  shape.draw(Vector(10, 10));
+  EXPECT_EQ(countPixels(showAndCapture(), sf::Color::Black), 1024 * 768);
+  // Circles have as many points as their size, three to ten.
+  shape.setType(vt::CIRCLE);
+  for (const auto& [size, points] : {std::pair(2.5f, 3u), {7.9f, 7u}, {12.0f, 10u}}) {
+    shape.setSize(size);
+    shape.draw(Vector(10, 10));
+    EXPECT_EQ(vt::Shape::getDrawnShape().getPointCount(), points) << size;
+  }
+  display.swapBuffers();
+  // Placed around the position's pixel (128, 320), sized by the size.
+  const sf::Color custom(10, 200, 30);
+  shape.setColor(vt::CUSTOM);
+  shape.setRGB(custom.r, custom.g, custom.b);
+  shape.setSize(12);
+  // The square's turn of 45 degrees stays with later circles and triangles.
+  for (const auto& [type, bounds] : {std::pair(vt::SQUARE, sf::IntRect(130, 317, 8, 9)),
+                                     {vt::CIRCLE, {110, 319, 24, 24}},
+                                     {vt::TRIANGLE, {117, 318, 9, 10}}}) {
+    shape.setType(type);
+    shape.draw(Vector(10, 10));
+    const sf::Image shown = showAndCapture();
+    const sf::IntRect ink = inkBounds(shown);
+    EXPECT_EQ(ink, bounds) << type << ": " << ink.left << "," << ink.top << " " << ink.width << "x"
+                           << ink.height;
+    EXPECT_GT(countPixels(shown, custom), ink.width * ink.height / 3) << type;
+  }
+  // A named colour replaces the red, green and blue; opacity is the alpha.
+  shape.setColor(vt::RED);
+  shape.setOpacity(128);
+  display.setBackgroundColor(vt::BLUE);
+  display.swapBuffers();
+  shape.draw(Vector(10, 10));
+  const sf::Image blended = showAndCapture();
+  EXPECT_EQ(countPixels(blended, custom), 0);
+  EXPECT_GT(countPixels(blended, {128, 0, 127}) + countPixels(blended, {128, 0, 126}), 20);
+}
