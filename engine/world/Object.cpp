@@ -162,7 +162,12 @@ Object::Object() : id(takeNextId()) {
 }
 
 Object::~Object() {
-  for (int i = event_count - 1; i >= 0; i--) unregisterInterest(event_name[i]);
+  // Every manager that delivers to the object lets go of it, the network
+  // manager too, which an explicit unregistering of "vt-custom-network"
+  // leaves alone: no manager may keep a pointer to a deleted object.
+  for (int i = event_count - 1; i >= 0; i--) {
+    managerFor(event_name[i]).unregisterInterest(this, event_name[i]);
+  }
   releasePathFind();
   WorldManager::getInstance().removeObject(this);
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "core/LogManager.h"
+#include "extras/NetworkManager.h"
 #include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
 #include "world/Object.h"
@@ -109,12 +110,17 @@ TEST(Object, EventRegistrationKeepsOrderAndLimit) {
                      "event 'one too many'"),
             std::string::npos);
 
-  // Deleting the object unregisters it everywhere.
+  // Deleting the object unregisters it everywhere, from the network manager
+  // too.
+  ASSERT_EQ(p_object->unregisterInterest("c"), 0);
+  ASSERT_EQ(p_object->registerInterest(vt::CUSTOM_NETWORK_EVENT), 0);
   vt::WorldManager::getInstance().markForDelete(p_object);
   vt::WorldManager::getInstance().update();
   vt::Event event;
   event.setType("a");
   EXPECT_EQ(vt::WorldManager::getInstance().onEvent(&event), 0);
+  event.setType(vt::CUSTOM_NETWORK_EVENT);
+  EXPECT_EQ(vt::NetworkManager::getInstance().onEvent(&event), 0);
 }
 
 TEST(Object, FollowsAPathConsumingCloseWaypoints) {
