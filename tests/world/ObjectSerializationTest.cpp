@@ -112,34 +112,15 @@ TEST(ObjectSerialization, RoundTripsThatHoldAndThatDoNot) {
   auto* p_copy = new Object;
   clearFlags(p_copy);
   EXPECT_EQ(p_copy->deserialize(text), 0);
-  EXPECT_EQ(p_copy->getId(), p_source->getId());
-  EXPECT_EQ(p_copy->getType(), "Lander");
-  EXPECT_FALSE(p_copy->isActive());
-  EXPECT_FALSE(p_copy->isVisible());
-  EXPECT_EQ(p_copy->getBox(), p_source->getBox());
-  EXPECT_EQ(p_copy->getPosition(), p_source->getPosition());
-  EXPECT_EQ(p_copy->getAltitude(), 4);
-  EXPECT_EQ(p_copy->getSolidness(), vt::SOFT);
-  EXPECT_TRUE(p_copy->getNoSoft());
-  EXPECT_EQ(p_copy->getVelocity(), p_source->getVelocity());
-  EXPECT_EQ(p_copy->getAcceleration(), p_source->getAcceleration());
-  EXPECT_EQ(p_copy->getPath(), p_source->getPath());
-  EXPECT_TRUE(p_copy->getFollowPath());
-  EXPECT_TRUE(p_copy->getAvoidCollisions());
-  ASSERT_EQ(p_copy->getEventCount(), 2);
-  EXPECT_EQ(p_copy->getEventName(0), "nuke");
-  EXPECT_EQ(p_copy->getEventName(1), "phase");
-  EXPECT_EQ(p_copy->getShape().getType(), vt::TRIANGLE);
-  EXPECT_EQ(p_copy->getShape().getSize(), 6.5f);
-  EXPECT_EQ(p_copy->getShape().getOpacity(), 128);
-  // The colour goes out as its name and comes back as a number: 0.
-  EXPECT_EQ(p_copy->getShape().getColor(), vt::BLACK);
-  EXPECT_EQ(p_copy->getAnimation().getIndex(), 2);
-  EXPECT_EQ(p_copy->getAnimation().getSlowdownCount(), -1);
   // The groups received are reported as modified.
   for (int group = 0; group < vt::ATTRIBUTE_COUNT; group++) {
     EXPECT_TRUE(p_copy->isModified(group)) << group;
   }
+  // The copy writes what the source wrote, but for the shape's colour: it
+  // goes out as its name and comes back as a number, 0.
+  std::string expected = text;
+  expected.replace(expected.find("color:Red"), 9, "color:Black");
+  EXPECT_EQ(p_copy->serialize("ALL"), expected);
 
   // Boxes are read as integers: fractions do not survive.
   auto* p_plain = new Object;
