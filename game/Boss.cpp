@@ -11,9 +11,10 @@
 
 namespace {
 
-// A fresh random number in [0, 1].
-double draw() {
-  return std::rand() / 32767.0;
+// A fresh random number in [0, 1], from one draw of rand() brought onto
+// 0..32767 whatever the C library's RAND_MAX.
+double randomFraction() {
+  return (std::rand() / (RAND_MAX / 32768 + 1)) / 32767.0;
 }
 
 void launch(vt::Vector position, float offset, vt::Vector velocity) {
@@ -23,8 +24,8 @@ void launch(vt::Vector position, float offset, vt::Vector velocity) {
 
 // A falling shot drifting left or right; the vertical speed is drawn first.
 vt::Vector fanVelocity(bool leftward) {
-  const auto vy = static_cast<float>(draw() * 0.2 + 0.1);
-  const auto r = static_cast<float>(draw());
+  const auto vy = static_cast<float>(randomFraction() * 0.2 + 0.1);
+  const auto r = static_cast<float>(randomFraction());
   return vt::Vector(leftward ? -r + 0.05f : r + 0.05f, vy);
 }
 
@@ -68,11 +69,11 @@ void Boss::fire() {
   if (fire_countdown >= 1) return;
   fire_countdown = fire_slowdown;
   // Two draws that only advance the random sequence.
-  draw();
-  draw();
+  randomFraction();
+  randomFraction();
   const double spreads[] = {-10, -5, -1, 1, 5, 10};
   float offsets[6];
-  for (int i = 0; i < 6; i++) offsets[i] = static_cast<float>(draw() * spreads[i] + 0.05);
+  for (int i = 0; i < 6; i++) offsets[i] = static_cast<float>(randomFraction() * spreads[i] + 0.05);
   const vt::Vector position = getPosition();
   for (int i = 0; i < 6; i++) {
     if (i == 2) launch(position, 0, vt::Vector(0, 0.2f));

@@ -51,8 +51,10 @@ void Drelk::moveToStart() {
   const int width = std::max(1, static_cast<int>(view.getHorizontal()));
   const int half_height = static_cast<int>(view.getVertical()) / 2;
   const int rows = std::max(1, half_height - 4);
-  vt::Vector start(static_cast<float>(width + std::rand() % width + 3),
-                   static_cast<float>(std::rand() % rows + 4));
+  // x is drawn before y.
+  const int x = width + std::rand() % width + 3;
+  const int y = std::rand() % rows + 4;
+  vt::Vector start(static_cast<float>(x), static_cast<float>(y));
   while (!world_manager.getCollisions(this, start).isEmpty()) {
     start.setX(start.getX() + 1);
   }

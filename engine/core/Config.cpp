@@ -13,24 +13,24 @@ namespace {
 
 const char* const DEFAULT_CONFIG_FILE = "vt-config.txt";
 
-// Stores the integer value of the key, when it has one. Values read as
-// atoi reads them ("12ms" is 12, "abc" is 0); one too large for an int is 0.
-void storeInt(const Config& config, const char* key, int& field) {
-  const std::string value = config.match(key);
-  if (value.empty()) return;
-  int number = 0;
-  readInt(value, number);
-  field = number;
+// The value of a key in the text that loadConfig parsed last.
+std::string parsedValue(const char* key) {
+  return match("", key);
 }
 
-void storeString(const Config& config, const char* key, std::string& field) {
-  const std::string value = config.match(key);
+void storeInt(const char* key, int& field) {
+  const std::string value = parsedValue(key);
+  if (!value.empty()) field = readInt(value);
+}
+
+void storeString(const char* key, std::string& field) {
+  const std::string value = parsedValue(key);
   if (!value.empty()) field = value;
 }
 
-void storeBool(const Config& config, const char* key, bool& field) {
-  const std::string value = config.match(key);
-  if (!value.empty()) field = (value == "true");
+void storeBool(const char* key, bool& field) {
+  const std::string value = parsedValue(key);
+  if (!value.empty()) field = readBool(value);
 }
 
 const char* boolText(bool value) {
@@ -72,31 +72,33 @@ std::string Config::match(std::string key) const {
 int Config::loadConfig(std::string text) {
   if (text.empty()) text = readConfig();
   config = text;
-  storeInt(*this, "frame_time", frame_time);
-  const std::string scale = match("font_scale");
-  if (!scale.empty()) font_scale = static_cast<float>(std::atof(scale.c_str()));
-  storeInt(*this, "window_horizontal_pixels", window_horizontal_pixels);
-  storeInt(*this, "window_vertical_pixels", window_vertical_pixels);
-  storeInt(*this, "window_horizontal_chars", window_horizontal_chars);
-  storeInt(*this, "window_vertical_chars", window_vertical_chars);
-  readBackgroundColor();
-  readWindowStyle();
-  storeString(*this, "window_title", window_title);
-  storeBool(*this, "show_mouse", show_mouse);
-  storeBool(*this, "headless", headless);
-  storeString(*this, "font_file", font_file);
-  storeString(*this, "logfile", logfile);
-  storeInt(*this, "random_seed", random_seed);
-  storeBool(*this, "networking", networking);
-  storeInt(*this, "grid_width", grid_width);
-  storeInt(*this, "grid_height", grid_height);
-  storeInt(*this, "quadtree_depth", quadtree_depth);
-  storeInt(*this, "quadtree_threshold", quadtree_threshold);
+  // An empty text would make the lookups below search the matcher's last text.
+  if (config.empty()) return 0;
+  vt::match(config, "");
+  storeInt("frame_time", frame_time);
+  const std::string scale = parsedValue("font_scale");
+  if (!scale.empty()) font_scale = readFloat(scale);
+  storeInt("window_horizontal_pixels", window_horizontal_pixels);
+  storeInt("window_vertical_pixels", window_vertical_pixels);
+  storeInt("window_horizontal_chars", window_horizontal_chars);
+  storeInt("window_vertical_chars", window_vertical_chars);
+  readBackgroundColor(parsedValue("window_background_color"));
+  readWindowStyle(parsedValue("window_style"));
+  storeString("window_title", window_title);
+  storeBool("show_mouse", show_mouse);
+  storeBool("headless", headless);
+  storeString("font_file", font_file);
+  storeString("logfile", logfile);
+  storeInt("random_seed", random_seed);
+  storeBool("networking", networking);
+  storeInt("grid_width", grid_width);
+  storeInt("grid_height", grid_height);
+  storeInt("quadtree_depth", quadtree_depth);
+  storeInt("quadtree_threshold", quadtree_threshold);
   return 0;
 }
 
-void Config::readBackgroundColor() {
-  const std::string value = match("window_background_color");
+void Config::readBackgroundColor(const std::string& value) {
   if (value.empty()) return;
   // "red" is listed twice, so yellow cannot be chosen from the file; the
   // table is kept as it has always been read.
@@ -114,8 +116,7 @@ void Config::readBackgroundColor() {
   LogManager::getInstance().writeLog("loadConfig(): Unsupported window color '%s'", value.c_str());
 }
 
-void Config::readWindowStyle() {
-  const std::string value = match("window_style");
+void Config::readWindowStyle(const std::string& value) {
   if (value.empty()) return;
   if (value == "fullscreen") {
     window_style = WINDOW_STYLE_FULLSCREEN;

@@ -18,7 +18,9 @@ class Config {
  public:
   static Config& getInstance();
   Config(const Config&) = delete;
-  Config& operator=(const Config&) = delete;
+
+  // Puts every setting back to its default and forgets the loaded text.
+  void reset() { *this = Config(); }
 
   // Fills the fields from the text; an empty text reads the file.
   int loadConfig(std::string text = "");
@@ -71,9 +73,10 @@ class Config {
 
  private:
   Config() = default;
+  Config& operator=(const Config&) = default;
 
-  void readBackgroundColor();
-  void readWindowStyle();
+  void readBackgroundColor(const std::string& value);
+  void readWindowStyle(const std::string& value);
 
   std::string config;
   int window_horizontal_pixels = 1024;

@@ -31,7 +31,7 @@ const unsigned long FINE_TIMER_SLACK_NS = 1000;
 // Sleeps at least the given span and wakes on the next whole-millisecond
 // tick of the monotonic clock, as a system timer of one millisecond
 // resolution does: frames started on a tick keep to whole milliseconds.
-void sleepMilliseconds(int milliseconds) {
+void sleepMilliseconds(std::int64_t milliseconds) {
   const std::int64_t NS_PER_MS = 1000000;
   const std::int64_t NS_PER_S = 1000000000;
   timespec now{};
@@ -180,7 +180,7 @@ void GameManager::run() {
   game_over = false;
   step_count = 0;
   Clock clock;
-  int adjust_time = 0;
+  std::int64_t adjust_time = 0;
   const bool networking = Config::getInstance().getNetworking();
   while (!game_over) {
     clock.delta();
@@ -199,27 +199,30 @@ void GameManager::run() {
   log_manager.writeLog(1, "GameManager::run(): end of game loop");
 }
 
-int GameManager::pathBudget(const Clock& clock, int adjust_time) const {
-  const std::int64_t remaining = static_cast<std::int64_t>(frame_time) * 1000 -
-                                 static_cast<std::int64_t>(clock.split()) - adjust_time;
+std::int64_t GameManager::frameMicroseconds() const {
+  return static_cast<std::int64_t>(frame_time) * 1000;
+}
+
+int GameManager::pathBudget(const Clock& clock, std::int64_t adjust_time) const {
+  const std::int64_t remaining =
+      frameMicroseconds() - static_cast<std::int64_t>(clock.split()) - adjust_time;
   return static_cast<int>(0.95f * static_cast<float>(remaining) / 1000.0f);
 }
 
-int GameManager::sleepRestOfFrame(const Clock& clock, int adjust_time) const {
-  const int frame_micros = frame_time * 1000;
-  const int split = static_cast<int>(clock.split());
-  const int intended = frame_micros - split - adjust_time;
+std::int64_t GameManager::sleepRestOfFrame(const Clock& clock, std::int64_t adjust_time) const {
+  const std::int64_t split = clock.split();
+  const std::int64_t intended = frameMicroseconds() - split - adjust_time;
   if (intended > 0) {
-    const int before = static_cast<int>(clock.split());
+    const std::int64_t before = clock.split();
     sleepMilliseconds(intended / 1000);
-    const int after = static_cast<int>(clock.split());
-    const int oversleep = after - before - intended;
+    const std::int64_t after = clock.split();
+    const std::int64_t oversleep = after - before - intended;
     return oversleep < 0 ? 0 : oversleep;
   }
   if (adjust_time == 0 && frame_time > 0 && step_count > 0) {
     LogManager::getInstance().writeLog(
         "GameManager::run(): Can't keep up! frame_time %d ms, split %d ms", frame_time,
-        split / 1000);
+        static_cast<int>(split / 1000));
   }
   return 0;
 }

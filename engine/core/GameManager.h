@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "core/Manager.h"
@@ -35,9 +36,11 @@ class GameManager : public Manager {
   void seedRandom() const;
   // The path searches' share of the frame: 95 % of what is left of it, in
   // whole milliseconds; negative when the frame is already late.
-  int pathBudget(const class Clock& clock, int adjust_time) const;
+  int pathBudget(const class Clock& clock, std::int64_t adjust_time) const;
   // Sleeps away the rest of the frame and returns the new oversleep.
-  int sleepRestOfFrame(const class Clock& clock, int adjust_time) const;
+  std::int64_t sleepRestOfFrame(const class Clock& clock, std::int64_t adjust_time) const;
+  // The frame time in microseconds, wide enough for any frame time.
+  std::int64_t frameMicroseconds() const;
 
   bool game_over = false;
   int frame_time = 0;

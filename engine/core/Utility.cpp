@@ -1,7 +1,7 @@
 #include "core/Utility.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <cfloat>
 #include <climits>
 #include <cmath>
 #include <cstdio>
@@ -41,13 +41,15 @@ bool boxIntersectsBox(const Box& a, const Box& b) {
 }
 
 bool boxIntersectsCircle(const Box& box, const Circle& circle) {
-  // The point of the box nearest the centre decides.
+  // The point of the box nearest the centre decides. A negative extent
+  // reaches back from the corner.
   const Vector corner = box.getCorner();
+  const Vector far_corner = corner + Vector(box.getHorizontal(), box.getVertical());
   const Vector center = circle.getCenter();
-  const float nearest_x =
-      std::clamp(center.getX(), corner.getX(), corner.getX() + box.getHorizontal());
-  const float nearest_y =
-      std::clamp(center.getY(), corner.getY(), corner.getY() + box.getVertical());
+  const float nearest_x = std::clamp(center.getX(), std::min(corner.getX(), far_corner.getX()),
+                                     std::max(corner.getX(), far_corner.getX()));
+  const float nearest_y = std::clamp(center.getY(), std::min(corner.getY(), far_corner.getY()),
+                                     std::max(corner.getY(), far_corner.getY()));
   const float dx = center.getX() - nearest_x;
   const float dy = center.getY() - nearest_y;
   return dx * dx + dy * dy <= circle.getRadius() * circle.getRadius();
@@ -103,34 +105,23 @@ std::string toString(bool value) {
   return value ? "true" : "false";
 }
 
-bool readInt(const std::string& text, int& value) {
-  char* p_end = nullptr;
-  errno = 0;
-  const long number = std::strtol(text.c_str(), &p_end, 10);
-  if (p_end == text.c_str() || errno == ERANGE || number < INT_MIN || number > INT_MAX) {
-    return false;
-  }
-  value = static_cast<int>(number);
-  return true;
+int readInt(const std::string& text) {
+  const long long number = std::strtoll(text.c_str(), nullptr, 10);
+  return static_cast<int>(std::clamp<long long>(number, INT_MIN, INT_MAX));
 }
 
-bool readFloat(const std::string& text, float& value) {
-  char* p_end = nullptr;
-  const float number = std::strtof(text.c_str(), &p_end);
-  if (p_end == text.c_str() || !std::isfinite(number)) return false;
-  value = number;
-  return true;
+float readFloat(const std::string& text) {
+  const double number = std::strtod(text.c_str(), nullptr);
+  if (std::isnan(number)) return 0.0f;
+  return static_cast<float>(std::clamp<double>(number, -FLT_MAX, FLT_MAX));
 }
 
-bool readBool(const std::string& text, bool& value) {
-  if (text != "true" && text != "false") return false;
-  value = text == "true";
-  return true;
+bool readBool(const std::string& text) {
+  return text == "true";
 }
 
 bool readColor(const std::string& text, Color& value) {
-  int number = 0;
-  readInt(text, number);
+  const int number = readInt(text);
   if (number < BLACK || number > CUSTOM) return false;
   value = static_cast<Color>(number);
   return true;

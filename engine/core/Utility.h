@@ -34,18 +34,17 @@ std::string toString(float value);
 std::string toString(int value);
 std::string toString(bool value);
 
-// Readers of serialized values. Each one leaves value untouched and returns
-// false when the text cannot be read.
-// The integer at the start of the text, as atoi reads it ("-0.5" is 0, "12ab"
-// is 12); false when there is none or it does not fit in an int.
-bool readInt(const std::string& text, int& value);
-// The number at the start of the text, as atof reads it; false when there is
-// none or it is not finite (overflow, "inf", "nan").
-bool readFloat(const std::string& text, float& value);
-// "true" or "false".
-bool readBool(const std::string& text, bool& value);
-// A colour number from BLACK to CUSTOM. Text that is no number, such as a
-// colour's name, reads as 0 (BLACK), as atoi reads it.
+// Readers of numbers and flags in text (configuration, serialized objects,
+// sprite files), as the C library's atoi and atof read them: leading blanks
+// are skipped, the number at the start counts and the rest is ignored, so
+// "12ms" reads as 12 and "abc" as 0. Values beyond the type's range are
+// clamped to it; atof's "nan" reads as 0.
+int readInt(const std::string& text);
+float readFloat(const std::string& text);
+// True exactly for "true".
+bool readBool(const std::string& text);
+// A colour number from BLACK to CUSTOM, read as readInt reads it (a colour's
+// name reads as 0, BLACK); false, with value untouched, for other numbers.
 bool readColor(const std::string& text, Color& value);
 
 // Whether serialization writes a group of attributes: always for "ALL", for

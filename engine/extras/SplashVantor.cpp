@@ -47,7 +47,12 @@ void SplashVantor::step() {
     setVelocity(Vector(0, 0));
   }
   if (countdown == -15) showSecondEmblem();
-  if (countdown == -45) GameManager::getInstance().setGameOver();
+  if (countdown == -45) {
+    // The splash is over: the loop's next run clears the game-over flag, so
+    // the emblem leaves now rather than on a later event.
+    GameManager::getInstance().setGameOver();
+    WorldManager::getInstance().markForDelete(this);
+  }
 }
 
 void SplashVantor::showSecondEmblem() {

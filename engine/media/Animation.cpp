@@ -31,8 +31,8 @@ int Animation::draw(Vector position) {
   if (p_sprite == nullptr) return 0;
   const int result = p_sprite->draw(index, position, p_sprite->getTransparency());
   if (slowdown_count == -1) return result;
-  // Compared before adding one, so that no count or index overflows.
-  if (slowdown_count < p_sprite->getSlowdown() - 1) {
+  // Counted in a wider type, so that no slowdown or count overflows.
+  if (static_cast<long long>(slowdown_count) + 1 < p_sprite->getSlowdown()) {
     slowdown_count++;
     return result;
   }
@@ -70,14 +70,17 @@ int Animation::deserialize(std::string str) {
     }
     setName(sprite_name);
   }
-  int number = 0;
-  if (readInt(match("", "sprite_index"), number)) {
-    log_manager.writeLog(20, "Animation::deserialize(): sprite_index is %d", number);
-    setIndex(number);
+  const std::string index_text = match("", "sprite_index");
+  if (!index_text.empty()) {
+    const int new_index = readInt(index_text);
+    log_manager.writeLog(20, "Animation::deserialize(): sprite_index is %d", new_index);
+    setIndex(new_index);
   }
-  if (readInt(match("", "sprite_slowdown_count"), number)) {
-    log_manager.writeLog(20, "Animation::deserialize(): sprite_slowdown_count is %d", number);
-    setSlowdownCount(number);
+  const std::string count_text = match("", "sprite_slowdown_count");
+  if (!count_text.empty()) {
+    const int new_count = readInt(count_text);
+    log_manager.writeLog(20, "Animation::deserialize(): sprite_slowdown_count is %d", new_count);
+    setSlowdownCount(new_count);
   }
   return 0;
 }

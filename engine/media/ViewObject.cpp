@@ -162,15 +162,18 @@ int ViewObject::deserialize(std::string str) {
                          new_view_string.c_str());
     setViewString(new_view_string);
   }
-  int number = 0;
-  if (readInt(match("", "view_value"), number)) {
+  const std::string value_text = match("", "view_value");
+  if (!value_text.empty()) {
+    const int number = readInt(value_text);
     log_manager.writeLog(20, "ViewObject::deserialize(): value is %d", number);
     setValue(number);
   }
-  bool flag = false;
-  if (readBool(match("", "view_border"), flag)) {
-    log_manager.writeLog(20, "ViewObject::deserialize(): border is %s", toString(flag).c_str());
-    setBorder(flag);
+  const std::string border_text = match("", "view_border");
+  if (!border_text.empty()) {
+    const bool new_border = readBool(border_text);
+    log_manager.writeLog(20, "ViewObject::deserialize(): border is %s",
+                         toString(new_border).c_str());
+    setBorder(new_border);
   }
   Color new_color = WHITE;
   const std::string color_text = match("", "view_color");
@@ -178,14 +181,19 @@ int ViewObject::deserialize(std::string str) {
     log_manager.writeLog(20, "ViewObject::deserialize(): color is %d", static_cast<int>(new_color));
     setColor(new_color);
   }
+  const std::string location_text = match("", "view_location");
   // -1 stands for a position set directly, which the Object entries carry.
-  if (readInt(match("", "view_location"), number) && number != -1) {
-    log_manager.writeLog(20, "ViewObject::deserialize(): location is %d", number);
-    setLocation(number);
+  const int new_location = readInt(location_text);
+  if (!location_text.empty() && new_location != -1) {
+    log_manager.writeLog(20, "ViewObject::deserialize(): location is %d", new_location);
+    setLocation(new_location);
   }
-  if (readBool(match("", "view_draw_value"), flag)) {
-    log_manager.writeLog(20, "ViewObject::deserialize(): draw_value is %s", toString(flag).c_str());
-    setDrawValue(flag);
+  const std::string draw_value_text = match("", "view_draw_value");
+  if (!draw_value_text.empty()) {
+    const bool new_draw_value = readBool(draw_value_text);
+    log_manager.writeLog(20, "ViewObject::deserialize(): draw_value is %s",
+                         toString(new_draw_value).c_str());
+    setDrawValue(new_draw_value);
   }
   return 0;
 }

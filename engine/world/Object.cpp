@@ -70,30 +70,35 @@ std::vector<std::string> words(const std::string& text) {
 // One waypoint "x y" of a serialized path.
 bool readWaypoint(const std::string& text, Vector& waypoint) {
   const std::vector<std::string> parts = words(text);
-  float x = 0;
-  float y = 0;
-  if (parts.size() != 2 || !readFloat(parts[0], x) || !readFloat(parts[1], y)) return false;
-  waypoint = Vector(x, y);
+  if (parts.size() != 2) return false;
+  waypoint = Vector(readFloat(parts[0]), readFloat(parts[1]));
   return true;
 }
 
-// Readers of one key of the text deserialize parsed; each logs the value it
-// read as "Object::deserialize(): <key> is <value>".
+// Readers of one key of the text deserialize parsed: false when the key has
+// no value; else the value read, logged as "Object::deserialize(): <key> is
+// <value>".
 bool readIntKey(const std::string& key, int& value) {
-  if (!readInt(valueOf(key), value)) return false;
+  const std::string text = valueOf(key);
+  if (text.empty()) return false;
+  value = readInt(text);
   logManager().writeLog(20, "Object::deserialize(): %s is %d", key.c_str(), value);
   return true;
 }
 
 bool readFloatKey(const std::string& key, float& value) {
-  if (!readFloat(valueOf(key), value)) return false;
+  const std::string text = valueOf(key);
+  if (text.empty()) return false;
+  value = readFloat(text);
   logManager().writeLog(20, "Object::deserialize(): %s is %.2f", key.c_str(),
                         static_cast<double>(value));
   return true;
 }
 
 bool readBoolKey(const std::string& key, bool& value) {
-  if (!readBool(valueOf(key), value)) return false;
+  const std::string text = valueOf(key);
+  if (text.empty()) return false;
+  value = readBool(text);
   logManager().writeLog(20, "Object::deserialize(): %s is %s", key.c_str(),
                         toString(value).c_str());
   return true;
@@ -286,7 +291,6 @@ void Object::setSpeed(float new_speed) {
 }
 
 void Object::setVelocity(Vector velocity) {
-  if (velocity == getVelocity()) return;
   speed = velocity.getMagnitude();
   velocity.normalize();
   direction = velocity;
@@ -635,17 +639,12 @@ void Object::deserializeShape() {
   for (int i = 0; i < 4; i++) {
     logManager().writeLog(20, "Object::deserialize(): %s is '%s'", KEYS[i], texts[i].c_str());
   }
-  int shape_type = 0;
-  float size = 0;
   Color color = BLACK;
-  int opacity = 0;
-  if (!readInt(texts[0], shape_type) || !readFloat(texts[1], size) || !readColor(texts[2], color) ||
-      !readInt(texts[3], opacity) || opacity < 0 || opacity > 255) {
-    return;
-  }
+  if (!readColor(texts[2], color)) return;
+  const int opacity = std::clamp(readInt(texts[3]), 0, 255);
   Shape received = shape;
-  received.setType(shape_type);
-  received.setSize(size);
+  received.setType(readInt(texts[0]));
+  received.setSize(readFloat(texts[1]));
   received.setColor(color);
   received.setOpacity(static_cast<unsigned char>(opacity));
   setShape(received);

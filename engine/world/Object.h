@@ -66,7 +66,11 @@ class Object {
   // for "ALL", the modified ones for "", else the groups named in attr, as in
   // "POSITION,SPEED,". The groups written are no longer modified.
   virtual std::string serialize(std::string attr = "");
-  // Sets every attribute that str holds in a readable form; returns 0.
+  // Sets every attribute that str holds. Numbers are read as atoi and atof
+  // read them ("abc" is 0, "12ms" is 12) and clamped to their type; flags are
+  // true exactly for "true". A group that must come whole (box, position,
+  // shape) is ignored when a key of it is missing. The id is copied too, so
+  // a copy of a live object shares its id. Returns 0.
   virtual int deserialize(std::string str);
   virtual bool isModified() const;
   virtual bool isModified(int attribute) const;
@@ -97,7 +101,8 @@ class Object {
   Vector getDirection() const { return direction; }
   void setSpeed(float new_speed);
   float getSpeed() const { return speed; }
-  // Speed becomes the vector's length, direction its unit vector.
+  // Speed becomes the vector's length, direction its unit vector, always
+  // (even for the velocity the object already has).
   void setVelocity(Vector velocity);
   Vector getVelocity() const;
   void setAcceleration(Vector new_acceleration);

@@ -30,10 +30,14 @@ void eraseFrom(std::vector<Object*>& bucket, Object* p_object) {
 }  // namespace
 
 SpatialGrid::CellRange SpatialGrid::cellsOf(const Box& box) {
-  const float left = box.getCorner().getX();
-  const float top = box.getCorner().getY();
-  const float right = left + box.getHorizontal();
-  const float bottom = top + box.getVertical();
+  // A box with a negative extent reaches back from its corner; filed under
+  // every cell it spans, the exact box test then decides.
+  const float corner_x = box.getCorner().getX();
+  const float corner_y = box.getCorner().getY();
+  const float left = std::min(corner_x, corner_x + box.getHorizontal());
+  const float right = std::max(corner_x, corner_x + box.getHorizontal());
+  const float top = std::min(corner_y, corner_y + box.getVertical());
+  const float bottom = std::max(corner_y, corner_y + box.getVertical());
   CellRange range;
   if (!usable(left) || !usable(top) || !usable(right) || !usable(bottom)) {
     range.oversized = true;

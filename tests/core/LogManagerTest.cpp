@@ -4,6 +4,7 @@
 #include <regex>
 
 #include "core/Config.h"
+#include "core/GameManager.h"
 #include "core/LogManager.h"
 #include "support/HeadlessEngine.h"
 
@@ -24,14 +25,17 @@ TEST(LogManager, LineFormatAndLevels) {
   log_manager.writeLog("bare");
 
   const std::string log = engine.logText();
-  EXPECT_TRUE(std::regex_search(log, std::regex("\\d\\d:\\d\\d:\\d\\d    0 plain 7\n")));
+  char step[8];
+  std::snprintf(step, sizeof(step), "%4d", vt::GameManager::getInstance().getStepCount());
+  EXPECT_TRUE(std::regex_search(
+      log, std::regex("\\d\\d:\\d\\d:\\d\\d " + std::string(step) + " plain 7\n")));
   EXPECT_NE(log.find("level zero\n"), std::string::npos);
   EXPECT_EQ(log.find("dropped"), std::string::npos);
   EXPECT_NE(log.find("level one\n"), std::string::npos);
   // Only levels of 2 and more are announced.
   EXPECT_EQ(log.find("log level 1"), std::string::npos);
   EXPECT_NE(log.find(" setLogLevel(): log level 2\n"), std::string::npos);
-  EXPECT_NE(log.find("\n   0 no time\n"), std::string::npos);
+  EXPECT_NE(log.find("\n" + std::string(step) + " no time\n"), std::string::npos);
   EXPECT_NE(log.find("\nbare\n"), std::string::npos);
 }
 

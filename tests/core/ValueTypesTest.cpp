@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "core/Box.h"
-#include "core/Color.h"
 #include "core/Utility.h"
 #include "core/Vector.h"
 
@@ -41,6 +40,11 @@ TEST(ValueTypes, CircleAndLineMeetBoxes) {
   EXPECT_TRUE(vt::boxIntersectsCircle(box, vt::Circle(Vector(3, 1), 1)));
   EXPECT_FALSE(vt::boxIntersectsCircle(box, vt::Circle(Vector(3, 3), 1.4f)));
   EXPECT_TRUE(vt::boxIntersectsCircle(box, vt::Circle(Vector(3, 3), 1.5f)));
+  // A negative extent reaches back from the corner.
+  const Box backwards(Vector(2, 2), -2, -2);
+  EXPECT_TRUE(vt::boxIntersectsCircle(backwards, vt::Circle(Vector(1, 1), 0.1f)));
+  EXPECT_TRUE(vt::boxIntersectsCircle(backwards, vt::Circle(Vector(-1, 1), 1)));
+  EXPECT_FALSE(vt::boxIntersectsCircle(backwards, vt::Circle(Vector(3, 3), 1.4f)));
 
   EXPECT_TRUE(vt::boxIntersectsLine(box, vt::Line(Vector(-1, 1), Vector(3, 1))));
   EXPECT_TRUE(vt::boxIntersectsLine(box, vt::Line(Vector(-1, -1), Vector(3, 3))));
@@ -68,27 +72,4 @@ TEST(ValueTypes, VectorArithmeticAndText) {
   EXPECT_NE(sum, Vector(1.5f, 0.0001f));
   EXPECT_EQ(vt::toString(1.0f), "1");
   EXPECT_EQ(vt::toString(true), "true");
-}
-
-TEST(ValueTypes, ColorNamesAndRgb) {
-  EXPECT_EQ(vt::colorToString(vt::YELLOW), "Yellow");
-  EXPECT_EQ(vt::colorToString(vt::CUSTOM), "Unknown color");
-  EXPECT_EQ(vt::colorToString(static_cast<vt::Color>(42)), "Unknown color");
-  unsigned char r = 1, g = 2, b = 3;
-  vt::colorToRGB(vt::MAGENTA, r, g, b);
-  EXPECT_EQ(r, 255);
-  EXPECT_EQ(g, 0);
-  EXPECT_EQ(b, 255);
-  r = 1, g = 2, b = 3;
-  vt::colorToRGB(vt::CUSTOM, r, g, b);
-  EXPECT_EQ(r, 1);
-  EXPECT_EQ(g, 2);
-  EXPECT_EQ(b, 3);
-}
-
-TEST(ValueTypes, TimeStringIsTimeOfDay) {
-  const std::string text = vt::getTimeString();
-  ASSERT_EQ(text.size(), 8u);
-  EXPECT_EQ(text[2], ':');
-  EXPECT_EQ(text[5], ':');
 }

@@ -8,7 +8,9 @@
 #include "extras/Pause.h"
 #include "extras/Splash.h"
 #include "media/EventKeyboard.h"
+#include "media/InputManager.h"
 #include "support/HeadlessEngine.h"
+#include "support/RecordingObject.h"
 #include "world/WorldManager.h"
 
 using vt::GameManager;
@@ -27,43 +29,89 @@ int countOfType(const std::string& type) {
   return WorldManager::getInstance().objectsOfType(type).getCount();
 }
 
+// The engine started headless through the game manager, with frames that
+// take no time.
+class SplashTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    directory = test::makeTempDir();
+    std::ofstream(directory + "/config.txt")
+        << "headless:true,\nframe_time:0,\nlogfile:" << directory << "/vantor.log,\n";
+    setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
+  }
+
+  void TearDown() override {
+    GameManager::getInstance().shutDown();
+    test::restoreEngineSettings();
+  }
+
+  // A key press delivered as the input manager delivers it.
+  static void pressKey() {
+    const vt::EventKeyboard key = keyEvent(vt::Keyboard::P);
+    vt::InputManager::getInstance().onEvent(&key);
+  }
+
+  std::string directory;
+};
+
 }  // namespace
 
-TEST(Splash, RunsItsTimelineAndEndsByItself) {
-  const std::string directory = test::makeTempDir();
-  std::ofstream(directory + "/config.txt")
-      << "headless:true,\nframe_time:1,\nlogfile:" << directory << "/vantor.log,\n";
-  setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
+// Played to its end or skipped by a key at some step, the splash leaves no
+// object behind, and the first key of the game proper does not end it.
+TEST_F(SplashTest, LeavesNothingBehindWhetherPlayedOutOrSkipped) {
   testing::internal::CaptureStderr();
   EXPECT_EQ(vt::splash(), -1);
   EXPECT_NE(testing::internal::GetCapturedStderr().find(
                 "splash(): Error! Cannot run splash screen until game manger is started."),
             std::string::npos);
   ASSERT_EQ(GameManager::getInstance().startUp(), 0);
-  EXPECT_EQ(vt::splash(), 0);
-  // The emblem ends the splash 45 steps after reaching its row.
-  EXPECT_EQ(GameManager::getInstance().getStepCount(), 90);
-  // The banner went in the last step; the emblem goes on the next event.
-  EXPECT_EQ(countOfType("Splash"), 0);
-  ASSERT_EQ(countOfType("SplashVantor"), 1);
-  const vt::EventStep step;
-  WorldManager::getInstance().objectsOfType("SplashVantor")[0]->eventHandler(&step);
-  WorldManager::getInstance().update();
-  EXPECT_EQ(countOfType("SplashVantor"), 0);
-  GameManager::getInstance().shutDown();
+  const struct {
+    int key_step;  // -1: no key
+    int last_step;
+  } RUNS[] = {{-1, 89}, {3, 3}, {40, 40}};
+  for (const auto& run : RUNS) {
+    auto* p_player = new test::RecordingObject;
+    p_player->setSolidness(vt::SPECTRAL);
+    p_player->registerInterest(vt::STEP_EVENT);
+    p_player->on_event = [&run](const vt::Event* p_event) {
+      if (static_cast<const vt::EventStep*>(p_event)->getStepCount() == run.key_step) pressKey();
+    };
+    EXPECT_EQ(vt::splash(), 0);
+    EXPECT_EQ(GameManager::getInstance().getStepCount(), run.last_step + 1) << run.key_step;
+    EXPECT_EQ(countOfType("Splash"), 0) << run.key_step;
+    EXPECT_EQ(countOfType("SplashVantor"), 0) << run.key_step;
+    // The game proper: a key at its first step, the game ending itself at
+    // its third.
+    p_player->on_event = [](const vt::Event* p_event) {
+      const int step = static_cast<const vt::EventStep*>(p_event)->getStepCount();
+      if (step == 0) pressKey();
+      if (step == 2) GameManager::getInstance().setGameOver();
+    };
+    GameManager::getInstance().run();
+    EXPECT_EQ(GameManager::getInstance().getStepCount(), 3) << run.key_step;
+    WorldManager::getInstance().markForDelete(p_player);
+    WorldManager::getInstance().update();
+  }
 }
 
-TEST(Splash, AnyKeySkipsIt) {
-  test::HeadlessEngine engine;
-  auto* p_splash = new vt::Splash;
-  // The banner slides in from beyond the right edge.
-  EXPECT_GT(p_splash->getPosition().getX(), 0);
-  EXPECT_LT(p_splash->getVelocity().getX(), 0);
-  const vt::EventKeyboard key = keyEvent(vt::Keyboard::X);
-  EXPECT_EQ(p_splash->eventHandler(&key), 1);
-  EXPECT_TRUE(GameManager::getInstance().getGameOver());
-  WorldManager::getInstance().update();
-  EXPECT_EQ(countOfType("Splash"), 0);
+TEST_F(SplashTest, TheBannerSlidesInAndTheEmblemRisesBesideIt) {
+  ASSERT_EQ(GameManager::getInstance().startUp(), 0);
+  auto* p_banner = new vt::Splash;
+  const vt::Box view = WorldManager::getInstance().getView();
+  EXPECT_GT(p_banner->getPosition().getX(), view.getHorizontal());
+  for (int step = 0; step < 15; step++) {
+    const vt::EventStep step_event(step);
+    GameManager::getInstance().onEvent(&step_event);
+    WorldManager::getInstance().update();
+  }
+  // At rest left of the centre, the emblem below the view.
+  EXPECT_EQ(p_banner->getVelocity(), vt::Vector());
+  EXPECT_LT(p_banner->getPosition().getX(), view.getHorizontal() / 2);
+  EXPECT_GT(p_banner->getPosition().getX(), view.getHorizontal() / 2 - 24);
+  ASSERT_EQ(countOfType("SplashVantor"), 1);
+  vt::Object* p_emblem = WorldManager::getInstance().objectsOfType("SplashVantor")[0];
+  EXPECT_GT(p_emblem->getPosition().getY(), view.getVertical());
+  EXPECT_EQ(p_emblem->getPosition().getX(), p_banner->getPosition().getX() + 24);
 }
 
 TEST(Pause, OnlyItsKeyPausesAndWithoutAWindowTheGameGoesOn) {

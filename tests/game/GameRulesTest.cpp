@@ -1,3 +1,6 @@
+#include <cstdlib>
+#include <vector>
+
 #include "Boss.h"
 #include "Bullet.h"
 #include "Drelk.h"
@@ -55,6 +58,56 @@ TEST_F(GameFixture, TheBossAbsorbs400HitsAndDiesOnThe401st) {
   EXPECT_EQ(countOf("Explosion"), 1);
 }
 
+TEST_F(GameFixture, TheBossFiresAFanOfThirteenEvery25Steps) {
+  auto* p_boss = new Boss;
+  step(24);
+  EXPECT_EQ(countOf("EnemyBullet"), 0);
+  // The volley's draws, in order: two unused, six offsets, then for each
+  // side shot its vertical speed and its drift.
+  const unsigned seed = 5;
+  std::srand(seed);
+  const auto fraction = [] { return (std::rand() / (RAND_MAX / 32768 + 1)) / 32767.0; };
+  fraction();
+  fraction();
+  const double spreads[] = {-10, -5, -1, 1, 5, 10};
+  std::vector<float> offsets;
+  for (const double spread : spreads)
+    offsets.push_back(static_cast<float>(fraction() * spread + 0.05));
+  struct Shot {
+    float offset;
+    Vector velocity;
+  };
+  std::vector<Shot> expected;
+  for (int pair = 0; pair < 6; pair++) {
+    if (pair == 2) expected.push_back({0, Vector(0, 0.2f)});
+    for (const float side : {1.0f, -1.0f}) {
+      const auto vy = static_cast<float>(fraction() * 0.2 + 0.1);
+      const auto drift = static_cast<float>(fraction());
+      expected.push_back(
+          {side * offsets[pair], Vector(side > 0 ? -drift + 0.05f : drift + 0.05f, vy)});
+    }
+  }
+  std::srand(seed);
+  step();
+  const vt::ObjectList shots = world().objectsOfType("EnemyBullet");
+  ASSERT_EQ(shots.getCount(), 13);
+  for (int i = 0; i < 13; i++) {
+    const Vector velocity = shots[i]->getVelocity();
+    EXPECT_NEAR(velocity.getX(), expected[i].velocity.getX(), 1e-5) << i;
+    EXPECT_NEAR(velocity.getY(), expected[i].velocity.getY(), 1e-5) << i;
+    EXPECT_GE(velocity.getY(), 0.1f);
+    EXPECT_LE(velocity.getY(), 0.3f);
+    // Shots leave from the boss's maw and have made one move since.
+    const Vector start = p_boss->getPosition() + Vector(3 + expected[i].offset, 0);
+    EXPECT_NEAR(shots[i]->getPosition().getX(), start.getX() + velocity.getX(), 1e-4) << i;
+    EXPECT_NEAR(shots[i]->getPosition().getY(), start.getY() + velocity.getY(), 1e-4) << i;
+  }
+  step(24);
+  EXPECT_EQ(countOf("EnemyBullet"), 13);
+  step();
+  EXPECT_EQ(countOf("EnemyBullet"), 26);
+}
+
 TEST_F(GameFixture, NukesDestroyEnemyBulletsOnlyAndCost200) {
   auto* p_hero = new Hero;
   auto* p_points = new Points;
@@ -76,10 +129,6 @@ TEST_F(GameFixture, NukesDestroyEnemyBulletsOnlyAndCost200) {
 TEST_F(GameFixture, EveryDrelkDeletionScores10AndKillsAreReplaced) {
   new Points;
   auto* p_drelk = new Drelk;
-  // Drelks start beyond the right edge, in the upper half.
-  EXPECT_GT(p_drelk->getPosition().getX(), 80);
-  EXPECT_GE(p_drelk->getPosition().getY(), 4);
-  EXPECT_LT(p_drelk->getPosition().getY(), 12);
   auto* p_bullet = new Bullet(p_drelk->getPosition());
   collide(p_bullet, p_drelk);
   collide(new Bullet(p_drelk->getPosition()), p_drelk);
@@ -100,8 +149,14 @@ TEST_F(GameFixture, EveryDrelkDeletionScores10AndKillsAreReplaced) {
   EXPECT_EQ(pointsDisplay()->getValue(), 20);
 }
 
-TEST_F(GameFixture, DrelksReenterFromTheRight) {
+TEST_F(GameFixture, DrelksStartBeyondTheRightEdgeAndReenterFromIt) {
+  // The start column is drawn before the row.
+  std::srand(3);
+  const int column_draw = std::rand();
+  const int row_draw = std::rand();
+  std::srand(3);
   auto* p_drelk = new Drelk;
+  EXPECT_EQ(p_drelk->getPosition(), Vector(80 + column_draw % 80 + 3, row_draw % 8 + 4));
   const vt::EventOut out;
   // Leaving on the right edge (entering) changes nothing.
   const Vector start = p_drelk->getPosition();
@@ -216,4 +271,20 @@ TEST_F(GameFixture, TouchingTheHeroLoses) {
   EXPECT_EQ(countOf("EnemyBullet"), 0);
   // The hero went out in a burst of particles.
   EXPECT_GT(countOf("Particle"), 0);
+}
+
+TEST_F(GameFixture, EveryResourceOfTheGameLoads) {
+  vt::ResourceManager& resources = vt::ResourceManager::getInstance();
+  for (const char* label : {"sans", "boss", "drelk", "ship", "bullet", "enemy-bullet", "explosion",
+                            "gamestart", "gameover", "win"}) {
+    EXPECT_NE(resources.getSprite(label), nullptr) << label;
+  }
+  for (const char* label : {"fire", "explode", "nuke", "game over", "enemydead", "enemyhit"}) {
+    EXPECT_NE(resources.getSound(label), nullptr) << label;
+  }
+  for (const char* label :
+       {"GameDead", "start music", "gameplay", "InGameBGM", "VictoryBGM", "Boss1BattleBGM"}) {
+    EXPECT_NE(resources.getMusic(label), nullptr) << label;
+  }
+  EXPECT_EQ(engine.logText().find("Error"), std::string::npos);
 }

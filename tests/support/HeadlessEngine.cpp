@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "core/Config.h"
+#include "core/GameManager.h"
 #include "core/LogManager.h"
 #include "world/WorldManager.h"
 
@@ -38,8 +39,20 @@ HeadlessEngine::HeadlessEngine() : directory(makeTempDir()) {
 HeadlessEngine::~HeadlessEngine() {
   vt::WorldManager::getInstance().shutDown();
   vt::LogManager::getInstance().shutDown();
+  restoreEngineSettings();
   std::error_code ignored;
   std::filesystem::remove_all(directory, ignored);
+}
+
+void restoreEngineSettings() {
+  vt::Config::getInstance().reset();
+  vt::LogManager& log_manager = vt::LogManager::getInstance();
+  log_manager.setLogLevel(0);
+  log_manager.setLogTimeString(true);
+  log_manager.setLogStepCount(true);
+  vt::GameManager::getInstance().setGameOver(false);
+  unsetenv("VANTOR_CONFIG");
+  unsetenv("VANTOR_LOG");
 }
 
 std::string HeadlessEngine::logPath() const {

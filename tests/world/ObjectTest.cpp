@@ -23,9 +23,10 @@ TEST(Object, DefaultsAndIds) {
 
   auto* p_next = new vt::Object;
   EXPECT_EQ(p_next->getId(), p_object->getId() + 1);
-  p_next->setId(50);
-  EXPECT_EQ((new vt::Object)->getId(), 51);
-  EXPECT_EQ(vt::WorldManager::getInstance().objectWithId(50), p_next);
+  const int later_id = p_next->getId() + 50;
+  p_next->setId(later_id);
+  EXPECT_EQ((new vt::Object)->getId(), later_id + 1);
+  EXPECT_EQ(vt::WorldManager::getInstance().objectWithId(later_id), p_next);
 }
 
 namespace {
@@ -61,6 +62,12 @@ TEST(Object, SettersRaiseTheirFlagsOnlyOnChange) {
   EXPECT_FLOAT_EQ(p_object->getSpeed(), 3);
   EXPECT_EQ(p_object->getDirection(), Vector(0, -1));
   EXPECT_EQ(p_object->predictPosition(), Vector(1, -2));
+  // A velocity always sets both speed and direction, even one equal to the
+  // current direction times speed.
+  p_object->setDirection(Vector(1, 0));
+  p_object->setSpeed(0);
+  p_object->setVelocity(Vector(0, 0));
+  EXPECT_TRUE(p_object->getDirection().isZero());
 
   EXPECT_EQ(p_object->setAltitude(0), 0);
   EXPECT_EQ(p_object->setAltitude(4), 0);

@@ -23,7 +23,9 @@ Box randomBox() {
   const float size = std::rand() % 10 == 0 ? randomFloat(100, 400) : randomFloat(0, 6);
   float x = randomFloat(-100, 100);
   if (std::rand() % 5 == 0) x = 8.0f * static_cast<float>(std::rand() % 10);
-  return Box(Vector(x, randomFloat(-100, 100)), size, randomFloat(0, 6));
+  // A box may reach back from its corner.
+  const float sign = std::rand() % 4 == 0 ? -1.0f : 1.0f;
+  return Box(Vector(x, randomFloat(-100, 100)), sign * size, randomFloat(-6, 6));
 }
 
 }  // namespace
