@@ -11,7 +11,9 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   fuzz::startEngine();
-  static const std::string path = "/tmp/vantor-fuzz-sprite-" + std::to_string(getpid());
+  // In memory where the system has such a folder: a file is made per input.
+  static const std::string path = std::string(access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp") +
+                                  "/vantor-fuzz-sprite-" + std::to_string(getpid());
   std::ofstream(path, std::ios::binary | std::ios::trunc) << fuzz::text(data, size);
   vt::ResourceManager& resources = vt::ResourceManager::getInstance();
   if (resources.loadSprite(path, "fuzz") == 0) {
