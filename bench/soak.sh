@@ -39,7 +39,7 @@ xdotool search --name "^Vantor$" windowfocus --sync key x
 sleep 1
 
 resident_kb() { awk '/^VmRSS/ {print $2}' "/proc/$GAME_PID/status" 2> /dev/null; }
-count() { grep -c "$1" "$WORK/vantor.log" 2> /dev/null || echo 0; }
+count() { grep -c "$1" "$WORK/vantor.log" 2> /dev/null || true; }
 
 # One scripted player's turn: about one second of play.
 play_second() {

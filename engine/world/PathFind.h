@@ -21,8 +21,8 @@ class Object;
 //
 // The grid's records are made as the search reaches them, a square tile of
 // cells at a time, so that starting a search costs the same in any world.
-// A search may reach at most MAX_NODES cells' records (12 MB, an area of
-// about 1000 x 1000 cells around its way); one
+// A search may reach at most MAX_NODES cells' records (12 MB: an area of
+// 1000 x 1000 cells, or a straight way of some 50,000); one
 // that needs more ends without a path, logging that it could not allocate.
 class PathFind {
  public:
