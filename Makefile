@@ -1,9 +1,12 @@
 # The two commands of the README: `make run` and `make test`.
+SHELL := /bin/bash
 BUILD ?= build
 SANITIZE_BUILD ?= build-sanitize
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 
-.PHONY: run test test-sanitize bench deps build build-sanitize package clean
+.PHONY: run test test-sanitize bench fuzz deps build build-sanitize package clean
 
 deps:
 	@bash tools/install-deps.sh
@@ -39,5 +42,23 @@ package: build
 bench: build
 	@for b in $(BUILD)/bench/*; do echo "== $$b"; $$b; done
 
+# Each fuzz target runs FUZZ_SECONDS from its seed corpus; what it finds
+# new goes to $(FUZZ_BUILD)/corpus, a failing input to $(FUZZ_BUILD).
+fuzz: deps
+	@cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DCMAKE_CXX_COMPILER=clang++ -DVANTOR_FUZZ=ON -DVANTOR_BENCH=OFF > /dev/null
+	@cmake --build $(FUZZ_BUILD) -j $(JOBS) --target fuzz_targets
+	@for fuzzer in $(FUZZ_BUILD)/tests/fuzz/fuzz_*; do \
+	  target=$$(basename $$fuzzer); target=$${target#fuzz_}; \
+	  mkdir -p $(FUZZ_BUILD)/corpus/$$target; \
+	  echo "== $$target for $(FUZZ_SECONDS) s"; \
+	  UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 $$fuzzer -max_total_time=$(FUZZ_SECONDS) \
+	    -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/$$target- \
+	    $$( [ -f tests/fuzz/$$target.dict ] && echo -dict=tests/fuzz/$$target.dict ) \
+	    $(FUZZ_BUILD)/corpus/$$target tests/fuzz/corpus/$$target 2>&1 | \
+	    grep -E "^(stat::|==|SUMMARY|Done)|ERROR|runtime error" ; \
+	  [ $${PIPESTATUS[0]} -eq 0 ] || exit 1; \
+	done
+
 clean:
-	rm -rf $(BUILD) $(SANITIZE_BUILD)
+	rm -rf $(BUILD) $(SANITIZE_BUILD) $(FUZZ_BUILD)

@@ -1,13 +1,20 @@
 // Path search cost: a whole search, from the PathFind's construction to its
-// last step, across worlds full of wall objects.
+// last step, across worlds full of wall objects; and in huge worlds, the
+// longest single frame's path cycle against its budget.
 #include <benchmark/benchmark.h>
+#include <sys/resource.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <set>
 #include <utility>
 
+#include "core/Clock.h"
 #include "support/HeadlessEngine.h"
+#include "world/EventPath.h"
 #include "world/PathFind.h"
+#include "world/PathManager.h"
 #include "world/WorldManager.h"
 
 namespace {
@@ -70,8 +77,76 @@ void BM_PathAcrossLargeWorld(benchmark::State& state) {
   searchRepeatedly(state, vt::Vector(0, 0), vt::Vector(255, 255));
 }
 
+// Remembers how its search ended.
+class Seeker : public vt::Object {
+ public:
+  int eventHandler(const vt::Event* p_event) override {
+    if (p_event->getType() == vt::PATH_EVENT) {
+      status = static_cast<const vt::EventPath*>(p_event)->getStatus();
+    }
+    return Object::eventHandler(p_event);
+  }
+  int status = vt::PATH_SEARCHING;
+};
+
+double threadCpuMs() {
+  timespec now{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) * 1000 + static_cast<double>(now.tv_nsec) / 1e6;
+}
+
+// A search from corner to corner of a square world of the given side, with
+// a wall across the middle that leaves a gap at the far end (or none, when
+// walled), run as the game loop would: one path cycle of budget_ms per
+// frame. Reports the longest cycle, the frames taken and the peak memory.
+void BM_PathCyclesInHugeWorld(benchmark::State& state) {
+  const auto side = static_cast<float>(state.range(0));
+  const bool walled = state.range(1) != 0;
+  const int budget_ms = 5;
+  test::HeadlessEngine engine;
+  vt::PathManager& path_manager = vt::PathManager::getInstance();
+  path_manager.startUp();
+  vt::WorldManager::getInstance().setBoundary(vt::Box(vt::Vector(), side, side));
+  for (int x = 0; x < 200; x++) makeWall(x, 100);
+  if (walled) makeWall(200, 100);
+  for (auto _ : state) {
+    auto* p_seeker = new Seeker;
+    p_seeker->setPosition(vt::Vector(1, 1));
+    p_seeker->pathTo(vt::Vector(side - 1, side - 1));
+    double longest_ms = 0;
+    double longest_cpu_ms = 0;
+    int frames = 0;
+    while (p_seeker->status == vt::PATH_SEARCHING && frames < 100000) {
+      const auto start = std::chrono::steady_clock::now();
+      const double cpu_start = threadCpuMs();
+      path_manager.cycle(budget_ms);
+      const std::chrono::duration<double, std::milli> taken =
+          std::chrono::steady_clock::now() - start;
+      longest_ms = std::max(longest_ms, taken.count());
+      longest_cpu_ms = std::max(longest_cpu_ms, threadCpuMs() - cpu_start);
+      frames++;
+    }
+    state.counters["longest_cycle_ms"] = longest_ms;
+    state.counters["longest_cycle_cpu_ms"] = longest_cpu_ms;
+    state.counters["budget_ms"] = budget_ms;
+    state.counters["frames"] = frames;
+    state.counters["found"] = p_seeker->status == vt::PATH_FOUND;
+    vt::WorldManager::getInstance().markForDelete(p_seeker);
+    vt::WorldManager::getInstance().update();
+  }
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  state.counters["peak_MB"] = static_cast<double>(usage.ru_maxrss) / 1024;
+  path_manager.shutDown();
+}
+
 }  // namespace
 
+BENCHMARK(BM_PathCyclesInHugeWorld)
+    ->ArgsProduct({{3000, 100000}, {0, 1}})
+    ->ArgNames({"side", "walled"})
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PathAcrossScreen)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_PathAcrossLargeWorld)->Unit(benchmark::kMicrosecond);
 BENCHMARK_MAIN();

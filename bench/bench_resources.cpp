@@ -1,9 +1,17 @@
 // Resource loading cost: one large sprite in each file format, and a table
-// of sprites, sounds and music the size of the game's.
+// of sprites, sounds and music the size of the game's. Hostile input: files
+// that claim two billion frames, and the matcher on a huge text, each run
+// in a child process whose peak resident memory is reported.
 #include <benchmark/benchmark.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <functional>
 #include <string>
 
+#include "core/Match.h"
 #include "media/ResourceManager.h"
 #include "support/ResourceEngine.h"
 
@@ -81,8 +89,105 @@ void BM_LoadResourceTable(benchmark::State& state) {
   }
 }
 
+struct ChildFigures {
+  double peak_mb;
+  double ms;
+  double cpu_ms;
+  int result;
+};
+
+double cpuMs(const rusage& usage) {
+  const auto ms = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) * 1000 + static_cast<double>(time.tv_usec) / 1000;
+  };
+  return ms(usage.ru_utime) + ms(usage.ru_stime);
+}
+
+// Runs work in a forked child after prepare; reports the child's peak
+// resident memory and how long work took, in wall-clock and CPU time.
+ChildFigures measureInChild(const std::function<void()>& prepare,
+                            const std::function<int()>& work) {
+  int channel[2];
+  if (pipe(channel) != 0) return {-1, -1, -1, -1};
+  const pid_t child = fork();
+  if (child == 0) {
+    prepare();
+    rusage before{};
+    getrusage(RUSAGE_SELF, &before);
+    const auto start = std::chrono::steady_clock::now();
+    const int result = work();
+    const std::chrono::duration<double, std::milli> taken =
+        std::chrono::steady_clock::now() - start;
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    const ChildFigures figures{static_cast<double>(usage.ru_maxrss) / 1024, taken.count(),
+                               cpuMs(usage) - cpuMs(before), result};
+    const ssize_t written = write(channel[1], &figures, sizeof figures);
+    _exit(written == sizeof figures ? 0 : 1);
+  }
+  close(channel[1]);
+  ChildFigures figures{-1, -1, -1, -1};
+  if (read(channel[0], &figures, sizeof figures) != sizeof figures) figures = {-1, -1, -1, -1};
+  close(channel[0]);
+  waitpid(child, nullptr, 0);
+  return figures;
+}
+
+void report(benchmark::State& state, const ChildFigures& figures, int expected_result) {
+  if (figures.result != expected_result) state.SkipWithError("unexpected result");
+  state.counters["peak_MB"] = figures.peak_mb;
+  state.counters["ms"] = figures.ms;
+  state.counters["cpu_ms"] = figures.cpu_ms;
+}
+
+// A file claiming two billion frames of 1x1, followed by megabytes of rows:
+// each row is a whole frame, but far fewer than claimed.
+std::string hostileSprite(int megabytes, bool sectioned) {
+  const std::string frame = sectioned ? "x\nend\n" : "x\n";
+  std::string body;
+  while (body.size() < static_cast<std::size_t>(megabytes) << 20) body += frame;
+  if (!sectioned) return "2000000000\n1\n1\n0\nred\n" + body;
+  return "<HEADER>\nframes 2000000000\nwidth 1\nheight 1\n</HEADER>\n<BODY>\n" + body +
+         "</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n";
+}
+
+void BM_HostileSprite(benchmark::State& state) {
+  test::ResourceEngine engine;
+  const std::string file = engine.writeFile(
+      "hostile.txt", hostileSprite(static_cast<int>(state.range(0)), state.range(1) != 0));
+  for (auto _ : state) {
+    report(
+        state,
+        measureInChild(
+            [] {}, [&] { return vt::ResourceManager::getInstance().loadSprite(file, "hostile"); }),
+        -1);
+  }
+}
+
+// A text of many short entries, searched for a key it does not hold.
+void BM_MatchHugeText(benchmark::State& state) {
+  for (auto _ : state) {
+    std::string text;
+    report(state,
+           measureInChild(
+               [&] {
+                 while (text.size() < static_cast<std::size_t>(state.range(0)) << 20) {
+                   text += "a:1,";
+                 }
+               },
+               [&] { return static_cast<int>(vt::match(text, "b").size()); }),
+           0);
+  }
+}
+
 }  // namespace
 
+BENCHMARK(BM_HostileSprite)
+    ->ArgsProduct({{10, 40}, {0, 1}})
+    ->ArgNames({"MB", "sectioned"})
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MatchHugeText)->Arg(54)->ArgName("MB")->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_LoadSimpleSprite100x80x24)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_LoadSectionedSprite100x80x24)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_LoadResourceTable)->Unit(benchmark::kMillisecond);

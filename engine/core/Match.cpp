@@ -2,7 +2,6 @@
 
 #include <cctype>
 #include <new>
-#include <vector>
 
 #include "core/LogManager.h"
 
@@ -16,17 +15,23 @@ struct Span {
   std::string::size_type end;
 };
 
+struct Entry {
+  Span key;
+  Span value;
+};
+
+// A parsed text is kept as the text itself, blanks removed: entries are
+// found again by walking it, so that parsing costs no more memory than the
+// text whatever the number of entries.
 struct MatchEntries {
-  std::vector<std::string> keys;
-  std::vector<std::string> values;
-  // Where each value stands in the text that was parsed, blanks removed.
-  std::vector<Span> value_spans;
+  std::string compact;
+  // Where parsing stopped: entries lie before it.
+  std::string::size_type end = 0;
   int count = 0;
 
   void reset() {
-    keys.clear();
-    values.clear();
-    value_spans.clear();
+    compact.clear();
+    end = 0;
     count = 0;
   }
 };
@@ -36,29 +41,111 @@ MatchEntries& entries() {
   return parsed;
 }
 
-std::string withoutWhiteSpace(const std::string& text) {
-  std::string result;
+// Copies the text without its white space into result, whose room is
+// reused unless far larger than needed.
+void copyWithoutWhiteSpace(const std::string& text, std::string& result) {
+  if (result.capacity() > 2 * text.size() + 4096) std::string().swap(result);
+  result.clear();
   result.reserve(text.size());
   for (const char c : text) {
     if (!std::isspace(static_cast<unsigned char>(c))) result.push_back(c);
   }
-  return result;
 }
 
-// Splits text[span] at the separator, skipping empty pieces as strtok does.
-std::vector<Span> tokens(const std::string& text, Span span, char separator) {
-  std::vector<Span> pieces;
-  std::string::size_type start = span.begin;
-  while (start < span.end) {
-    const std::string::size_type end = std::min(text.find(separator, start), span.end);
-    if (end > start) pieces.push_back({start, end});
-    start = end + 1;
-  }
-  return pieces;
+// The next non-empty piece of text[position, end) between separators, as
+// strtok finds it; position moves past it. False when none is left.
+bool nextToken(const std::string& text, std::string::size_type end, char separator,
+               std::string::size_type& position, Span& token) {
+  while (position < end && text[position] == separator) position++;
+  if (position >= end) return false;
+  const std::string::size_type token_end = std::min(text.find(separator, position), end);
+  token = {position, token_end};
+  position = token_end;
+  return true;
 }
 
 std::string pieceOf(const std::string& text, Span span) {
   return text.substr(span.begin, span.end - span.begin);
+}
+
+// The entry of the next comma-separated piece: its first colon-separated
+// token is the key, the second (if any) the value. False when no piece is
+// left or the piece holds no key, which ends the entries.
+bool nextEntry(const std::string& text, std::string::size_type end,
+               std::string::size_type& position, Entry& entry, Span& piece) {
+  if (!nextToken(text, end, ',', position, piece)) return false;
+  std::string::size_type inner = piece.begin;
+  if (!nextToken(text, piece.end, ':', inner, entry.key)) return false;
+  if (!nextToken(text, piece.end, ':', inner, entry.value)) entry.value = {0, 0};
+  return true;
+}
+
+void logEntry(const LogManager& log_manager, const std::string& text, int number, Span piece,
+              const Entry& entry) {
+  const std::string piece_text = pieceOf(text, piece);
+  const std::string key = pieceOf(text, entry.key);
+  log_manager.writeLog(25, "\titem number %d", number);
+  log_manager.writeLog(28, "\tp_element is '%s' (%p)", piece_text.c_str(),
+                       static_cast<const void*>(piece_text.c_str()));
+  log_manager.writeLog(28, "\ttoken is '%s' (%p)", key.c_str(),
+                       static_cast<const void*>(key.c_str()));
+  log_manager.writeLog(25, "\tkey %s", key.c_str());
+  log_manager.writeLog(25, "\tval %s", pieceOf(text, entry.value).c_str());
+}
+
+void logEntries(const LogManager& log_manager, const MatchEntries& parsed) {
+  std::string::size_type position = 0;
+  Entry entry;
+  Span piece;
+  for (int i = 0; nextEntry(parsed.compact, parsed.end, position, entry, piece); i++) {
+    log_manager.writeLog(28, "\t%d  %s : %s", i, pieceOf(parsed.compact, entry.key).c_str(),
+                         pieceOf(parsed.compact, entry.value).c_str());
+  }
+}
+
+void parse(const std::string& text, MatchEntries& parsed) {
+  const LogManager& log_manager = LogManager::getInstance();
+  const bool tracing = log_manager.getLogLevel() >= 25;
+  parsed.reset();
+  try {
+    copyWithoutWhiteSpace(text, parsed.compact);
+  } catch (const std::bad_alloc&) {
+    log_manager.writeLog("match(): unable to allocate key array!");
+    parsed.reset();
+    return;
+  }
+  int commas = 0;
+  for (const char c : parsed.compact) commas += (c == ',');
+  log_manager.writeLog(25, "match(): number of elements allocated is %d", commas + 1);
+  std::string::size_type position = 0;
+  Entry entry;
+  Span piece;
+  while (nextEntry(parsed.compact, parsed.compact.size(), position, entry, piece)) {
+    if (tracing) logEntry(log_manager, parsed.compact, parsed.count, piece, entry);
+    parsed.end = position;
+    parsed.count++;
+  }
+  log_manager.writeLog(25, "match(): parsed.");
+  if (log_manager.getLogLevel() >= 28) logEntries(log_manager, parsed);
+}
+
+// The first entry with that key; false when there is none.
+bool findEntry(const MatchEntries& parsed, const std::string& key, Entry& found) {
+  const LogManager& log_manager = LogManager::getInstance();
+  const bool tracing = log_manager.getLogLevel() >= 28;
+  log_manager.writeLog(25, "match(): Looking for match '%s' among %d items.", key.c_str(),
+                       parsed.count);
+  std::string::size_type position = 0;
+  Span piece;
+  for (int i = 0; nextEntry(parsed.compact, parsed.end, position, found, piece); i++) {
+    const Span span = found.key;
+    if (tracing) {
+      log_manager.writeLog(28, "match(): %d: %s == %s?", i, pieceOf(parsed.compact, span).c_str(),
+                           key.c_str());
+    }
+    if (parsed.compact.compare(span.begin, span.end - span.begin, key) == 0) return true;
+  }
+  return false;
 }
 
 // The index in text of its n-th character that is not white space.
@@ -71,83 +158,25 @@ std::string::size_type nonBlankIndex(const std::string& text, std::string::size_
   }
 }
 
-void parse(const std::string& text, MatchEntries& parsed) {
-  const LogManager& log_manager = LogManager::getInstance();
-  const std::string compact = withoutWhiteSpace(text);
-  parsed.reset();
-  int commas = 0;
-  for (const char c : compact) commas += (c == ',');
-  try {
-    parsed.keys.reserve(commas + 1);
-  } catch (const std::bad_alloc&) {
-    log_manager.writeLog("match(): unable to allocate key array!");
-    parsed.reset();
-    return;
-  }
-  try {
-    parsed.values.reserve(commas + 1);
-  } catch (const std::bad_alloc&) {
-    log_manager.writeLog("match(): unable to allocate val array!");
-    parsed.reset();
-    return;
-  }
-  log_manager.writeLog(25, "match(): number of elements allocated is %d", commas + 1);
-  for (const Span piece_span : tokens(compact, {0, compact.size()}, ',')) {
-    const std::string piece = pieceOf(compact, piece_span);
-    log_manager.writeLog(25, "\titem number %d", parsed.count);
-    log_manager.writeLog(28, "\tp_element is '%s' (%p)", piece.c_str(),
-                         static_cast<const void*>(piece.c_str()));
-    const std::vector<Span> parts = tokens(compact, piece_span, ':');
-    if (parts.empty()) break;
-    const std::string key = pieceOf(compact, parts[0]);
-    log_manager.writeLog(28, "\ttoken is '%s' (%p)", key.c_str(),
-                         static_cast<const void*>(key.c_str()));
-    log_manager.writeLog(25, "\tkey %s", key.c_str());
-    const Span value_span = parts.size() > 1 ? parts[1] : Span{0, 0};
-    const std::string value = pieceOf(compact, value_span);
-    log_manager.writeLog(25, "\tval %s", value.c_str());
-    parsed.keys.push_back(key);
-    parsed.values.push_back(value);
-    parsed.value_spans.push_back(value_span);
-    parsed.count++;
-  }
-  log_manager.writeLog(25, "match(): parsed.");
-  for (int i = 0; i < parsed.count; i++) {
-    log_manager.writeLog(28, "\t%d  %s : %s", i, parsed.keys[i].c_str(), parsed.values[i].c_str());
-  }
-}
-
-// The index of the first entry with that key, or -1.
-int findEntry(const MatchEntries& parsed, const std::string& key) {
-  const LogManager& log_manager = LogManager::getInstance();
-  log_manager.writeLog(25, "match(): Looking for match '%s' among %d items.", key.c_str(),
-                       parsed.count);
-  for (int i = 0; i < parsed.count; i++) {
-    log_manager.writeLog(28, "match(): %d: %s == %s?", i, parsed.keys[i].c_str(), key.c_str());
-    if (parsed.keys[i] == key) return i;
-  }
-  return -1;
-}
-
 }  // namespace
 
 std::string match(std::string text, std::string key) {
   const LogManager& log_manager = LogManager::getInstance();
   log_manager.writeLog(25, "match(\"%s\", \"%s\")", text.c_str(), key.c_str());
   if (!text.empty()) parse(text, entries());
-  const int found = findEntry(entries(), key);
-  return found < 0 ? "" : entries().values[found];
+  Entry found;
+  if (!findEntry(entries(), key, found)) return "";
+  return pieceOf(entries().compact, found.value);
 }
 
 std::string matchKeepingBlanks(const std::string& text, const std::string& key) {
   MatchEntries parsed;
   parse(text, parsed);
-  const int found = findEntry(parsed, key);
-  if (found < 0 || parsed.values[found].empty()) return "";
+  Entry found;
+  if (!findEntry(parsed, key, found) || found.value.end == found.value.begin) return "";
   // The value's first and last characters, found again in the text as given.
-  const Span span = parsed.value_spans[found];
-  const std::string::size_type begin = nonBlankIndex(text, span.begin);
-  const std::string::size_type end = nonBlankIndex(text, span.end - 1) + 1;
+  const std::string::size_type begin = nonBlankIndex(text, found.value.begin);
+  const std::string::size_type end = nonBlankIndex(text, found.value.end - 1) + 1;
   return text.substr(begin, end - begin);
 }
 

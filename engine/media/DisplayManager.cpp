@@ -51,6 +51,19 @@ struct Edges {
     return {std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),
             std::min(bottom, other.bottom)};
   }
+  // What is left of this rectangle outside cover, where that is one
+  // rectangle; the whole rectangle otherwise.
+  Edges outside(const Edges& cover) const {
+    Edges rest = *this;
+    if (cover.top <= top && cover.bottom >= bottom) {
+      if (cover.left <= left) rest.left = std::max(left, cover.right);
+      if (cover.right >= right) rest.right = std::min(right, cover.left);
+    } else if (cover.left <= left && cover.right >= right) {
+      if (cover.top <= top) rest.top = std::max(top, cover.bottom);
+      if (cover.bottom >= bottom) rest.bottom = std::min(bottom, cover.top);
+    }
+    return rest;
+  }
 };
 
 // SFML keeps a white square at the top-left of every font page; sampling its
@@ -157,7 +170,10 @@ class CellBatch {
   // Nothing of it would reach a pixel of the window.
   bool isOffScreen(const Edges& rect) const { return window.intersection(rect).isEmpty(); }
 
-  // The parts of the cell that earlier glyphs cover, each glyph once.
+  // The parts of the cell that earlier glyphs cover, each glyph once. What
+  // is painted over is forgotten: many glyphs drawn into one cell (a heads-
+  // up display drawn over itself) then cost one quad each, not one for every
+  // later background.
   void addOverlaps(const Edges& cell, sf::Color color) {
     stamp++;
     forEachBucket(cell, [&](const std::vector<std::size_t>& bucket) {
@@ -165,7 +181,9 @@ class CellBatch {
         if (glyph_stamps[index] == stamp) continue;
         glyph_stamps[index] = stamp;
         const Edges overlap = cell.intersection(glyph_edges[index]);
-        if (!overlap.isEmpty()) addQuad(overlap, WHITE_TEXEL, color);
+        if (overlap.isEmpty()) continue;
+        addQuad(overlap, WHITE_TEXEL, color);
+        glyph_edges[index] = glyph_edges[index].outside(cell);
       }
     });
   }

@@ -11,8 +11,6 @@ bool LineReader::open(const std::string& filename) {
   std::error_code error;
   if (std::filesystem::is_directory(filename, error)) return false;
   if (file.open(filename, std::ios::in | std::ios::binary) == nullptr) return false;
-  const std::streamoff end = file.pubseekoff(0, std::ios::end, std::ios::in);
-  file_size = end < 0 ? 0 : static_cast<long long>(end);
   line_number = 0;
   rewind();
   return true;
@@ -62,12 +60,6 @@ bool LineReader::readUntilNewline(std::string& line) {
 void LineReader::stopReading(const std::string& reason) {
   stopped = true;
   LogManager::getInstance().writeLog("getLine(): Error! %s; reading stops there.", reason.c_str());
-}
-
-long long LineReader::remainingBytes() {
-  const std::streamoff position = file.pubseekoff(0, std::ios::cur, std::ios::in);
-  if (position < 0) return 0;
-  return file_size - static_cast<long long>(position);
 }
 
 }  // namespace vt

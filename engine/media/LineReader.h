@@ -30,8 +30,6 @@ class LineReader {
   // True once a read has met the end of the file; never after the reading
   // stopped short of it.
   bool atEnd() const { return at_end; }
-  // Bytes between the reading position and the end of the file.
-  long long remainingBytes();
 
   int getLineNumber() const { return line_number; }
   void countLine() { line_number++; }
@@ -43,7 +41,6 @@ class LineReader {
   void stopReading(const std::string& reason);
 
   std::filebuf file;
-  long long file_size = 0;
   bool at_end = false;
   bool stopped = false;
   int line_number = 0;

@@ -6,20 +6,18 @@
 
 namespace vt {
 
-Sprite::Sprite(int max_frames) {
-  try {
-    frame.resize(static_cast<std::size_t>(max_frames < 0 ? 0 : max_frames));
-    max_frame_count = max_frames < 0 ? 0 : max_frames;
-  } catch (const std::exception&) {
-    LogManager::getInstance().writeLog("Sprite::Sprite(): Error! Unable to allocate %d frames.",
-                                       max_frames);
-    max_frame_count = 0;
-  }
-}
+Sprite::Sprite(int max_frames) : max_frame_count(max_frames < 0 ? 0 : max_frames) {}
 
 int Sprite::addFrame(Frame new_frame) {
   if (frame_count == max_frame_count) return -1;
-  frame[static_cast<std::size_t>(frame_count++)] = std::move(new_frame);
+  try {
+    frame.push_back(std::move(new_frame));
+  } catch (const std::exception&) {
+    LogManager::getInstance().writeLog("Sprite::addFrame(): Error! Unable to allocate frame %d.",
+                                       frame_count + 1);
+    return -1;
+  }
+  frame_count++;
   return 0;
 }
 

@@ -13,6 +13,8 @@ namespace vt {
 // resource manager; objects point at it.
 class Sprite {
  public:
+  // Room for max_frames frames; the frame table grows only as frames are
+  // added, so a large capacity costs nothing by itself.
   explicit Sprite(int max_frames);
   Sprite(const Sprite&) = delete;
   Sprite& operator=(const Sprite&) = delete;

@@ -28,36 +28,52 @@ int colorFromName(const std::string& name) {
 
 // Removes every line that starts with the tag and returns the text after
 // the tag and its separator in the last of them; warns about each repeat.
-std::string matchValue(std::list<std::string>& lines, const std::string& tag,
-                       const char* repeat_warning, bool& found) {
+std::string matchValue(LineList& lines, const std::string& tag, const char* repeat_warning,
+                       bool& found) {
   found = false;
   std::string value;
-  for (auto line = lines.begin(); line != lines.end();) {
-    if (line->compare(0, tag.size(), tag) != 0) {
-      ++line;
-      continue;
-    }
-    if (found) logManager().writeLog(1, repeat_warning, line->c_str());
-    value = line->size() > tag.size() ? line->substr(tag.size() + 1) : "";
+  lines.filter([&](const std::string& line) {
+    if (line.compare(0, tag.size(), tag) != 0) return true;
+    if (found) logManager().writeLog(1, repeat_warning, line.c_str());
+    value = line.size() > tag.size() ? line.substr(tag.size() + 1) : "";
     found = true;
-    line = lines.erase(line);
-  }
+    return false;
+  });
   return value;
 }
 
-// A sprite of that size, slowdown and transparency with room for capacity
-// frames; null (after logging) when it cannot be made.
-std::unique_ptr<Sprite> createSprite(int width, int height, int slowdown, char transparency,
-                                     long long capacity, const char* failure) {
-  std::unique_ptr<Sprite> p_sprite(new (std::nothrow) Sprite(static_cast<int>(capacity)));
+// The messages of one format for a frame the sprite refuses.
+struct AddFrameFailure {
+  const char* error;
+  const char* frame_count;
+};
+
+// A sprite of the header's size, slowdown and transparency holding the
+// frames whose rows are joined in rows; null (after logging) when it cannot
+// be made or refuses a frame.
+std::unique_ptr<Sprite> createSprite(const SpriteHeader& header, Color color,
+                                     const std::string& rows, const char* creation_failure,
+                                     const AddFrameFailure& add_failure) {
+  std::unique_ptr<Sprite> p_sprite(new (std::nothrow) Sprite(header.frames));
   if (!p_sprite) {
-    logManager().writeLog("%s", failure);
+    logManager().writeLog("%s", creation_failure);
     return nullptr;
   }
-  p_sprite->setWidth(width);
-  p_sprite->setHeight(height);
-  p_sprite->setSlowdown(slowdown);
-  p_sprite->setTransparency(transparency);
+  p_sprite->setWidth(header.width);
+  p_sprite->setHeight(header.height);
+  p_sprite->setSlowdown(header.slowdown);
+  p_sprite->setTransparency(header.transparency);
+  p_sprite->setColor(color);
+  const std::size_t frame_size = rows.size() / static_cast<std::size_t>(std::max(header.frames, 1));
+  for (std::size_t begin = 0; begin < rows.size(); begin += frame_size) {
+    if (p_sprite->addFrame(Frame(header.width, header.height, rows.substr(begin, frame_size))) !=
+        0) {
+      logManager().writeLog("%s", add_failure.error);
+      logManager().writeLog(add_failure.frame_count, p_sprite->getFrameCount() + 1,
+                            p_sprite->getMaxFrameCount());
+      return nullptr;
+    }
+  }
   return p_sprite;
 }
 
@@ -69,23 +85,22 @@ void logSummary(int frames, int width, int height, int slowdown) {
   log_manager.writeLog(5, "\t    Slowdown: %d", slowdown);
 }
 
-void logUnused(const std::list<std::string>& lines, const char* warning) {
+void logUnused(const LineList& lines, const char* warning) {
   if (lines.empty()) return;
   logManager().writeLog(1, "%s", warning);
-  for (const std::string& line : lines) logManager().writeLog(1, "\t'%s'", line.c_str());
+  lines.forEach([](const std::string& line) { logManager().writeLog(1, "\t'%s'", line.c_str()); });
 }
 
-// Colours the sprite by name, "default" meaning white; false (after
+// The colour of a sectioned file's name, "default" meaning white; -1 (after
 // logging) for any other name.
-bool setRobustColor(Sprite& sprite, const std::string& name) {
+int robustColor(const std::string& name) {
   const int color = name == "default" ? WHITE : colorFromName(name);
   if (color < 0) {
     logManager().writeLog("RM::loadRobustSprite(): Error! Unrecognized color '%s'.", name.c_str());
-    return false;
+    return -1;
   }
-  sprite.setColor(static_cast<Color>(color));
   logManager().writeLog(5, "\t       Color: %s", name.c_str());
-  return true;
+  return color;
 }
 
 void warnMissing(const char* tag) {
@@ -117,29 +132,25 @@ std::unique_ptr<Sprite> SpriteLoader::load() {
 
 // The bare format.
 
+// Frames are made only once the whole file has been read and checked: a
+// file claiming more frames than it holds costs no more than its rows.
 std::unique_ptr<Sprite> SpriteLoader::loadSimpleSprite() {
-  Header header;
+  SpriteHeader header;
   if (!readSimpleHeader(header)) return nullptr;
   logSummary(header.frames, header.width, header.height, header.slowdown);
   logManager().writeLog(5, "\t       Color: %s", header.color.c_str());
-  // Every frame takes at least width x height bytes: a file too short for
-  // the frame count it claims gets no more room than it could fill.
-  const long long frame_bytes = static_cast<long long>(header.width) * header.height;
-  const long long capacity =
-      std::min<long long>(header.frames, reader.remainingBytes() / frame_bytes);
-  std::unique_ptr<Sprite> p_sprite =
-      createSprite(header.width, header.height, header.slowdown, 0, capacity,
-                   "RM::loadSimpleSprite(): Error! Unable to create Sprite.");
-  if (!p_sprite) return nullptr;
-  p_sprite->setColor(static_cast<Color>(colorFromName(header.color)));
+  std::string rows;
   for (int frame_number = 0; frame_number < header.frames; frame_number++) {
-    if (!readSimpleFrame(*p_sprite, header, frame_number)) return nullptr;
+    if (!readSimpleFrame(rows, header, frame_number)) return nullptr;
   }
   if (!checkSimpleEnd()) return nullptr;
-  return p_sprite;
+  return createSprite(
+      header, static_cast<Color>(colorFromName(header.color)), rows,
+      "RM::loadSimpleSprite(): Error! Unable to create Sprite.",
+      {"RM::loadSimpleSprite(): Error! Cannot add Frame.", "\tFramecount is %d, max is %d."});
 }
 
-bool SpriteLoader::readSimpleHeader(Header& header) {
+bool SpriteLoader::readSimpleHeader(SpriteHeader& header) {
   const std::string frames = readSimpleHeaderLine("frames (an integer)");
   if (frames.empty()) return false;
   header.frames = toInt(frames);
@@ -174,7 +185,7 @@ bool SpriteLoader::readSimpleHeaderInt(const char* missing, const char* name, in
   return false;
 }
 
-bool SpriteLoader::readSimpleColor(Header& header) {
+bool SpriteLoader::readSimpleColor(SpriteHeader& header) {
   header.color = readSimpleHeaderLine("color (a string)");
   if (header.color.empty()) return false;
   if (colorFromName(header.color) >= 0) return true;
@@ -186,10 +197,10 @@ bool SpriteLoader::readSimpleColor(Header& header) {
   return false;
 }
 
-bool SpriteLoader::readSimpleFrame(Sprite& sprite, const Header& header, int frame_number) {
+bool SpriteLoader::readSimpleFrame(std::string& rows, const SpriteHeader& header,
+                                   int frame_number) {
   LogManager& log_manager = logManager();
   log_manager.writeLog(15, "RM::loadSimpleSprite(): Reading frame %d.", frame_number);
-  std::string frame_str;
   for (int row = 0; row < header.height; row++) {
     const std::string line = reader.getLine(true);
     if (line.empty()) {
@@ -204,13 +215,9 @@ bool SpriteLoader::readSimpleFrame(Sprite& sprite, const Header& header, int fra
                            header.width);
       return false;
     }
-    frame_str += line;
+    rows += line;
   }
-  if (sprite.addFrame(Frame(header.width, header.height, frame_str)) == 0) return true;
-  log_manager.writeLog("RM::loadSimpleSprite(): Error! Cannot add Frame.");
-  log_manager.writeLog("\tFramecount is %d, max is %d.", sprite.getFrameCount() + 1,
-                       sprite.getMaxFrameCount());
-  return false;
+  return true;
 }
 
 bool SpriteLoader::checkSimpleEnd() {
@@ -226,26 +233,24 @@ bool SpriteLoader::checkSimpleEnd() {
 
 // The sectioned format.
 
+// As in the bare format, frames are made once the whole file checked out.
 std::unique_ptr<Sprite> SpriteLoader::loadRobustSprite() {
-  Header header;
+  SpriteHeader header;
   if (!readRobustHeader(header)) return nullptr;
-  std::list<std::string> body = readData("BODY");
+  LineList body = readData("BODY");
   if (body.empty()) return nullptr;
-  // Every frame takes height rows and an "end" line of the body: a body too
-  // short for the frame count claimed gets no more room than it could fill.
-  const long long frame_lines = std::max(header.height, 0) + 1LL;
-  const long long capacity =
-      std::min<long long>(header.frames, static_cast<long long>(body.size()) / frame_lines);
-  std::unique_ptr<Sprite> p_sprite =
-      createSprite(header.width, header.height, header.slowdown, header.transparency, capacity,
-                   "RM::loadRobustSprite(): Error! Unable to create Sprite.");
-  if (!p_sprite || !setRobustColor(*p_sprite, header.color)) return nullptr;
-  if (!readRobustFrames(*p_sprite, body, header.frames) || !checkRobustFooter()) return nullptr;
-  return p_sprite;
+  const int color = robustColor(header.color);
+  if (color < 0) return nullptr;
+  std::string rows;
+  if (!readRobustFrames(rows, body, header) || !checkRobustFooter()) return nullptr;
+  return createSprite(
+      header, static_cast<Color>(color), rows,
+      "RM::loadRobustSprite(): Error! Unable to create Sprite.",
+      {"RM::loadRobustSprite(): Error! Cannot add Frame.", "\tFramecount is %d, max is %d"});
 }
 
-bool SpriteLoader::readRobustHeader(Header& header) {
-  std::list<std::string> lines = readData("HEADER");
+bool SpriteLoader::readRobustHeader(SpriteHeader& header) {
+  LineList lines = readData("HEADER");
   if (lines.empty()) return false;
   if (!matchRequired(lines, "frames", header.frames) ||
       !matchRequired(lines, "width", header.width) ||
@@ -263,14 +268,14 @@ bool SpriteLoader::readRobustHeader(Header& header) {
   return true;
 }
 
-bool SpriteLoader::matchRequired(std::list<std::string>& lines, const char* tag, int& value) {
+bool SpriteLoader::matchRequired(LineList& lines, const char* tag, int& value) {
   value = matchLineInt(lines, tag);
   if (value != -1) return true;
   logManager().writeLog("RM::loadRobustSprite(): Error! Missing '%s' in header.", tag);
   return false;
 }
 
-void SpriteLoader::matchOptional(std::list<std::string>& lines, Header& header) {
+void SpriteLoader::matchOptional(LineList& lines, SpriteHeader& header) {
   header.color = matchLineStr(lines, "color");
   if (header.color.empty()) {
     warnMissing("color");
@@ -289,20 +294,15 @@ void SpriteLoader::matchOptional(std::list<std::string>& lines, Header& header) 
   }
 }
 
-bool SpriteLoader::readRobustFrames(Sprite& sprite, std::list<std::string>& body, int frames) {
+bool SpriteLoader::readRobustFrames(std::string& rows, LineList& body, const SpriteHeader& header) {
   LogManager& log_manager = logManager();
-  for (int frame_number = 0; frame_number < frames; frame_number++) {
-    const Frame frame = readFrame(body, sprite.getWidth(), sprite.getHeight());
+  for (int frame_number = 0; frame_number < header.frames; frame_number++) {
+    const Frame frame = readFrame(body, header.width, header.height);
     if (frame.getString().empty()) {
       log_manager.writeLog("RM::loadRobustSprite(): Error! No frame data to add.");
       return false;
     }
-    if (sprite.addFrame(frame) != 0) {
-      log_manager.writeLog("RM::loadRobustSprite(): Error! Cannot add Frame.");
-      log_manager.writeLog("\tFramecount is %d, max is %d", sprite.getFrameCount() + 1,
-                           sprite.getMaxFrameCount());
-      return false;
-    }
+    rows += frame.getString();
   }
   if (body.empty()) return true;
   log_manager.writeLog("RM::loadRobustSprite(): Error! Extra BODY:");
@@ -314,7 +314,7 @@ bool SpriteLoader::readRobustFrames(Sprite& sprite, std::list<std::string>& body
 }
 
 bool SpriteLoader::checkRobustFooter() {
-  std::list<std::string> lines = readData("FOOTER");
+  LineList lines = readData("FOOTER");
   if (lines.empty()) return false;
   if (matchLineStr(lines, "version").empty()) {
     logManager().writeLog("RM::loadRobustSprite(): Error! Missing '%s' in FOOTER (line %d).",
@@ -325,7 +325,7 @@ bool SpriteLoader::checkRobustFooter() {
   return true;
 }
 
-std::list<std::string> SpriteLoader::readData(const std::string& tag) {
+LineList SpriteLoader::readData(const std::string& tag) {
   const std::string opening = "<" + tag + ">";
   const std::string closing = "</" + tag + ">";
   std::string line = reader.getLine(true);
@@ -334,10 +334,10 @@ std::list<std::string> SpriteLoader::readData(const std::string& tag) {
                           reader.getLineNumber(), opening.c_str(), line.c_str());
     return {};
   }
-  std::list<std::string> lines;
+  LineList lines;
   for (line = reader.getLine(false); line != closing && !line.empty();
        line = reader.getLine(true)) {
-    lines.push_back(line);
+    lines.pushBack(line);
   }
   if (line.empty()) {
     logManager().writeLog("readData(): Error! Never encountered '%s'.", closing.c_str());
@@ -347,7 +347,7 @@ std::list<std::string> SpriteLoader::readData(const std::string& tag) {
   return lines;
 }
 
-Frame SpriteLoader::readFrame(std::list<std::string>& lines, int width, int height) {
+Frame SpriteLoader::readFrame(LineList& lines, int width, int height) {
   LogManager& log_manager = logManager();
   std::string frame_str;
   for (int row = 0; row < height; row++) {
@@ -371,9 +371,8 @@ Frame SpriteLoader::readFrame(std::list<std::string>& lines, int width, int heig
   return Frame(width, height, frame_str);
 }
 
-std::string SpriteLoader::takeLine(std::list<std::string>& lines) {
-  std::string line = std::move(lines.front());
-  lines.pop_front();
+std::string SpriteLoader::takeLine(LineList& lines) {
+  std::string line = lines.takeFront();
   reader.countLine();
   return line;
 }
@@ -384,14 +383,14 @@ Frame SpriteLoader::noMoreFrameData() const {
   return Frame();
 }
 
-int SpriteLoader::matchLineInt(std::list<std::string>& lines, const std::string& tag) {
+int SpriteLoader::matchLineInt(LineList& lines, const std::string& tag) {
   bool found = false;
   const std::string value =
       matchValue(lines, tag, "matchLineInt(): Warning! '%s' matches multiple lines.", found);
   return found ? toInt(value) : -1;
 }
 
-std::string SpriteLoader::matchLineStr(std::list<std::string>& lines, const std::string& tag) {
+std::string SpriteLoader::matchLineStr(LineList& lines, const std::string& tag) {
   bool found = false;
   return matchValue(lines, tag, "matchLineStr(): Warning! '%s' matches multiple lines.", found);
 }

@@ -1,14 +1,24 @@
 #pragma once
 
-#include <list>
 #include <memory>
 #include <string>
 
 #include "media/Frame.h"
+#include "media/LineList.h"
 #include "media/LineReader.h"
 #include "media/Sprite.h"
 
 namespace vt {
+
+// What a sprite file says about its frames before the frames themselves.
+struct SpriteHeader {
+  int frames = 0;
+  int width = 0;
+  int height = 0;
+  int slowdown = 0;
+  std::string color;
+  char transparency = 0;
+};
 
 // Turns the text of a sprite file, in either of its two formats, into a
 // sprite. Every problem is logged, with its line number where it has one,
@@ -28,46 +38,39 @@ class SpriteLoader {
   // The lines of one section, opening and closing lines left out; empty
   // (after logging) when the section is missing, unclosed or holds a blank
   // line.
-  std::list<std::string> readData(const std::string& tag);
+  LineList readData(const std::string& tag);
   // One frame of the body, consumed from the front of lines; an empty frame
   // (after logging) when the rows or their closing "end" are wrong.
-  Frame readFrame(std::list<std::string>& lines, int width, int height);
+  Frame readFrame(LineList& lines, int width, int height);
 
   // The value after the tag and one separator in the last line that starts
   // with the tag; every matching line is removed. -1 or an empty string
   // when no line matches.
-  static int matchLineInt(std::list<std::string>& lines, const std::string& tag);
-  static std::string matchLineStr(std::list<std::string>& lines, const std::string& tag);
+  static int matchLineInt(LineList& lines, const std::string& tag);
+  static std::string matchLineStr(LineList& lines, const std::string& tag);
   // Leading decimal digits as an int (0 when there are none), clamped to
   // the range of int.
   static int toInt(const std::string& text);
 
  private:
-  struct Header {
-    int frames = 0;
-    int width = 0;
-    int height = 0;
-    int slowdown = 0;
-    std::string color;
-    char transparency = 0;
-  };
-
-  bool readSimpleHeader(Header& header);
+  bool readSimpleHeader(SpriteHeader& header);
   // A header line of the bare format; logs when the file ends before it.
   std::string readSimpleHeaderLine(const char* missing);
   bool readSimpleHeaderInt(const char* missing, const char* name, int minimum, int& value);
-  bool readSimpleColor(Header& header);
-  bool readSimpleFrame(Sprite& sprite, const Header& header, int frame_number);
+  bool readSimpleColor(SpriteHeader& header);
+  // Appends the frame's rows to rows.
+  bool readSimpleFrame(std::string& rows, const SpriteHeader& header, int frame_number);
   bool checkSimpleEnd();
 
-  bool readRobustHeader(Header& header);
-  static bool matchRequired(std::list<std::string>& lines, const char* tag, int& value);
-  static void matchOptional(std::list<std::string>& lines, Header& header);
-  bool readRobustFrames(Sprite& sprite, std::list<std::string>& body, int frames);
+  bool readRobustHeader(SpriteHeader& header);
+  static bool matchRequired(LineList& lines, const char* tag, int& value);
+  static void matchOptional(LineList& lines, SpriteHeader& header);
+  // Appends the rows of every frame of the body to rows.
+  bool readRobustFrames(std::string& rows, LineList& body, const SpriteHeader& header);
   bool checkRobustFooter();
 
   // The front line of the list, removed and counted.
-  std::string takeLine(std::list<std::string>& lines);
+  std::string takeLine(LineList& lines);
   Frame noMoreFrameData() const;
 
   LineReader& reader;

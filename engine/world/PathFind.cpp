@@ -4,7 +4,6 @@
 #include <climits>
 #include <cmath>
 #include <exception>
-#include <limits>
 
 #include "core/LogManager.h"
 #include "core/Utility.h"
@@ -63,7 +62,9 @@ PathFind::PathFind(Object* p_init_object, Vector start_position, Vector goal_pos
   if (!isPassable(start)) {
     log_manager.writeLog("PathFind::PathFind(): Warning! Can't get to start node.");
   }
-  if (!allocateNodes()) return;
+  log_manager.writeLog("PathFind::PathFind(): allocated [y, x]: %d, %d", rows, columns);
+  usable = allocateTile(start);
+  if (!usable) return;
   node(start).g = 0.0f;
   node(start).f = heuristic(start);
   pushOpen(start);
@@ -82,28 +83,41 @@ bool PathFind::inGrid(Cell cell) const {
   return cell.x >= 0 && cell.x < columns && cell.y >= 0 && cell.y < rows;
 }
 
-bool PathFind::allocateNodes() {
-  const LogManager& log_manager = LogManager::getInstance();
-  const float infinity = std::numeric_limits<float>::infinity();
-  try {
-    nodes.resize(static_cast<std::size_t>(rows));
-  } catch (const std::exception&) {
-    log_manager.writeLog(
-        "PathFind::PathFind(): Error!  Unable to allocate pathfinding for %d rows.", rows);
-    return false;
-  }
-  for (int y = 0; y < rows; y++) {
+long long PathFind::tileKey(Cell cell) const {
+  const long long tile_columns = columns / TILE_SIDE + 1;
+  return cell.y / TILE_SIDE * tile_columns + cell.x / TILE_SIDE;
+}
+
+PathFind::Node& PathFind::node(Cell cell) const {
+  const int offset = cell.y % TILE_SIDE * TILE_SIDE + cell.x % TILE_SIDE;
+  return tiles.at(tileKey(cell))[offset];
+}
+
+bool PathFind::allocateTile(Cell cell) {
+  const long long key = tileKey(cell);
+  if (tiles.count(key) > 0) return true;
+  const bool room = static_cast<long long>(tiles.size() + 1) * TILE_SIDE * TILE_SIDE <= MAX_NODES;
+  if (room) {
     try {
-      nodes[y].resize(static_cast<std::size_t>(columns), Node{infinity, infinity, {}});
+      tiles.emplace(key, std::make_unique<Node[]>(TILE_SIDE * TILE_SIDE));
+      return true;
     } catch (const std::exception&) {
-      log_manager.writeLog(
-          "PathFind::PathFind(): Error!  Unable to allocate pathfinding for %d columns at row %d.",
-          columns, y);
-      nodes = {};
-      return false;
     }
   }
-  log_manager.writeLog("PathFind::PathFind(): allocated [y, x]: %d, %d", rows, columns);
+  LogManager::getInstance().writeLog(
+      "PathFind::PathFind(): Error!  Unable to allocate pathfinding for %d columns at row %d.",
+      columns, cell.y);
+  usable = false;
+  return false;
+}
+
+bool PathFind::allocateAround(Cell cell) {
+  for (int dy = -1; dy <= 1; dy++) {
+    for (int dx = -1; dx <= 1; dx++) {
+      const Cell next{cell.x + dx, cell.y + dy};
+      if (inGrid(next) && !allocateTile(next)) return false;
+    }
+  }
   return true;
 }
 
@@ -154,13 +168,14 @@ bool PathFind::popOpen(Cell& cell) {
 }
 
 int PathFind::cycleOnce() {
-  if (nodes.empty()) {
+  if (!usable) {
     LogManager::getInstance().writeLog(
         "PathFind::cycleOnce(): node graph not allocated.  Cannot find path.");
     return PATH_NOT_FOUND;
   }
   Cell current;
   if (!popOpen(current)) return PATH_NOT_FOUND;
+  if (!allocateAround(current)) return PATH_NOT_FOUND;
   if (current == goal) {
     found = true;
     return PATH_FOUND;
@@ -187,7 +202,8 @@ void PathFind::relax(Cell from, Cell to) {
   if (record.open && g > record.g) return;
   // An equal cost rewrites the parent; the cell's open entry stays valid.
   const bool improved = !record.open || g < record.g;
-  record.parent = from;
+  record.parent_dx = static_cast<signed char>(to.x - from.x);
+  record.parent_dy = static_cast<signed char>(to.y - from.y);
   record.g = g;
   record.f = g + heuristic(to);
   if (improved) pushOpen(to);
@@ -196,7 +212,7 @@ void PathFind::relax(Cell from, Cell to) {
 std::list<Vector> PathFind::getPath() const {
   std::list<Vector> path;
   if (!found) return path;
-  for (Cell cell = goal;; cell = node(cell).parent) {
+  for (Cell cell = goal;; cell = {cell.x - node(cell).parent_dx, cell.y - node(cell).parent_dy}) {
     path.push_front(toWorld(cell));
     if (cell == start) break;
   }

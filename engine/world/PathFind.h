@@ -1,7 +1,11 @@
 #pragma once
 
+#include <cmath>
+#include <deque>
 #include <list>
+#include <memory>
 #include <queue>
+#include <unordered_map>
 #include <vector>
 
 #include "core/Vector.h"
@@ -14,8 +18,17 @@ class Object;
 // A best-first (A*) search for an object's path over a grid that covers the
 // world boundary, one cell per world unit. Each cycleOnce expands one cell,
 // so that the path manager can spread a search over frames.
+//
+// The grid's records are made as the search reaches them, a square tile of
+// cells at a time, so that starting a search costs the same in any world.
+// A search may reach at most MAX_NODES cells' records (12 MB: an area of
+// 1000 x 1000 cells, or a straight way of some 50,000); one
+// that needs more ends without a path, logging that it could not allocate.
 class PathFind {
  public:
+  static const int TILE_SIDE = 8;
+  static const int MAX_NODES = 1 << 20;
+
   // A null object, or a start or goal outside the world, leaves the search
   // unusable: its first step ends it without a path.
   PathFind(Object* p_init_object, Vector start_position, Vector goal_position);
@@ -43,9 +56,11 @@ class PathFind {
   // Whether a cell can be entered, found out when the search first asks.
   enum Passability : signed char { UNKNOWN, PASSABLE, BLOCKED };
   struct Node {
-    float g;  // cost from the start
-    float f;  // g plus the estimate to the goal
-    Cell parent;
+    float g = INFINITY;  // cost from the start
+    float f = INFINITY;  // g plus the estimate to the goal
+    // The step from the parent cell to this one.
+    signed char parent_dx = 0;
+    signed char parent_dy = 0;
     bool open = false;
     bool closed = false;
     Passability passability = UNKNOWN;
@@ -64,7 +79,12 @@ class PathFind {
   Cell toCell(Vector position) const;
   Vector toWorld(Cell cell) const;
   bool inGrid(Cell cell) const;
-  bool allocateNodes();
+  // Makes the records of the cell's tile if it has none yet; false (after
+  // logging) when the search may not or cannot have more.
+  bool allocateTile(Cell cell);
+  // allocateTile for the cell and its eight neighbours.
+  bool allocateAround(Cell cell);
+  Node& node(Cell cell) const;
   // Asks the world: only the first HARD object the asker would overlap in
   // the cell counts, and it blocks unless it covers the goal.
   bool isPassable(Cell cell) const;
@@ -76,8 +96,7 @@ class PathFind {
   void pushOpen(Cell cell);
   bool popOpen(Cell& cell);
   float heuristic(Cell cell) const;
-  Node& node(Cell cell) { return nodes[cell.y][cell.x]; }
-  const Node& node(Cell cell) const { return nodes[cell.y][cell.x]; }
+  long long tileKey(Cell cell) const;
 
   Object* p_object;
   Object* p_target = nullptr;
@@ -87,8 +106,10 @@ class PathFind {
   int columns = 0;
   Cell start;
   Cell goal;
-  std::vector<std::vector<Node>> nodes;
-  std::priority_queue<OpenEntry, std::vector<OpenEntry>, ExpandsLater> open_list;
+  bool usable = false;
+  std::unordered_map<long long, std::unique_ptr<Node[]>> tiles;
+  // A deque, so that a growing list never copies itself within one step.
+  std::priority_queue<OpenEntry, std::deque<OpenEntry>, ExpandsLater> open_list;
   int open_count = 0;
   bool found = false;
 };

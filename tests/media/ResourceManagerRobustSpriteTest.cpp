@@ -21,53 +21,43 @@ std::string section(const std::string& tag, const Lines& lines) {
   return text + "</" + tag + ">\n";
 }
 
-// A sectioned sprite file of the three sections, in order.
 std::string robust(const Lines& header, const Lines& body, const Lines& footer) {
   return section("HEADER", header) + section("BODY", body) + section("FOOTER", footer);
 }
 
-const Lines SMALL_HEADER = {"frames 2", "width 3", "height 2"};
+const Lines ONE_BY_ONE = {"frames 1", "width 1", "height 1"};
 const Lines VERSION = {"version 1"};
 const std::string NOT_LOADED = "RM::loadSprite(): Sprite 's' NOT loaded.";
 
 }  // namespace
 
-TEST(RobustSprite, LoadsSectionedFile) {
+TEST(RobustSprite, LoadsSectionedFiles) {
   test::ResourceEngine engine;
   vt::LogManager::getInstance().setLogLevel(5);
   const std::string text =
       robust({"frames 2", "width 3", "height 2", "color blue", "transparency #", "slowdown 4"},
              {"a#c", "def", "end", "ghi", "j#l", "end"}, VERSION);
-  ASSERT_EQ(engine.loadSpriteText("ship", text), 0);
-  EXPECT_EQ(
-      engine.lastLoadLog(),
-      (Lines{"RM::loadSprite(): assuming robust sprite file format.", "\t      Frames: 2",
-             "\t       Width: 3", "\t      Height: 2", "\t    Slowdown: 4", "\tTransparency: #",
-             "\t       Color: blue", "RM::loadSprite(): Sprite 'ship' loaded."}));
-  const vt::Sprite* p_sprite = rm().getSprite("ship");
-  ASSERT_NE(p_sprite, nullptr);
-  EXPECT_EQ(p_sprite->getWidth(), 3);
-  EXPECT_EQ(p_sprite->getHeight(), 2);
-  EXPECT_EQ(p_sprite->getSlowdown(), 4);
-  EXPECT_EQ(p_sprite->getColor(), vt::BLUE);
-  EXPECT_EQ(p_sprite->getTransparency(), '#');
-  EXPECT_EQ(p_sprite->getFrameCount(), 2);
-  EXPECT_EQ(p_sprite->getFrame(0).getString(), "a#cdef");
-  EXPECT_EQ(p_sprite->getFrame(1).getString(), "ghij#l");
-
-  // Carriage returns before the newlines change nothing.
   std::string crlf;
   for (const char ch : text) crlf += ch == '\n' ? std::string("\r\n") : std::string(1, ch);
-  ASSERT_EQ(engine.loadSpriteText("crlf", crlf), 0);
-  const vt::Sprite* p_crlf = rm().getSprite("crlf");
-  EXPECT_EQ(p_crlf->getTransparency(), '#');
-  EXPECT_EQ(p_crlf->getColor(), vt::BLUE);
-  EXPECT_EQ(p_crlf->getFrame(1).getString(), "ghij#l");
-}
-
-TEST(RobustSprite, OptionalHeaderAttributes) {
-  test::ResourceEngine engine;
-  vt::LogManager::getInstance().setLogLevel(5);
+  for (const std::string& file : {text, crlf}) {
+    ASSERT_EQ(engine.loadSpriteText("ship", file), 0);
+    EXPECT_EQ(
+        engine.lastLoadLog(),
+        (Lines{"RM::loadSprite(): assuming robust sprite file format.", "\t      Frames: 2",
+               "\t       Width: 3", "\t      Height: 2", "\t    Slowdown: 4", "\tTransparency: #",
+               "\t       Color: blue", "RM::loadSprite(): Sprite 'ship' loaded."}));
+    const vt::Sprite* p_sprite = rm().getSprite("ship");
+    EXPECT_EQ(p_sprite->getWidth(), 3);
+    EXPECT_EQ(p_sprite->getHeight(), 2);
+    EXPECT_EQ(p_sprite->getSlowdown(), 4);
+    EXPECT_EQ(p_sprite->getColor(), vt::BLUE);
+    EXPECT_EQ(p_sprite->getTransparency(), '#');
+    ASSERT_EQ(p_sprite->getFrameCount(), 2);
+    EXPECT_EQ(p_sprite->getFrame(0).getString(), "a#cdef");
+    EXPECT_EQ(p_sprite->getFrame(1).getString(), "ghij#l");
+    rm().unloadSprite("ship");
+  }
+  // Colour, transparency and slowdown may be left out.
   ASSERT_EQ(engine.loadSpriteText(
                 "plain", robust({"frames 1", "width 2", "height 1"}, {"xy", "end"}, {"version 2"})),
             0);
@@ -79,11 +69,8 @@ TEST(RobustSprite, OptionalHeaderAttributes) {
                    "\t       Width: 2", "\t      Height: 1", "\t    Slowdown: 0",
                    "\tTransparency: (none)", "\t       Color: default",
                    "RM::loadSprite(): Sprite 'plain' loaded."}));
-  const vt::Sprite* p_sprite = rm().getSprite("plain");
-  EXPECT_EQ(p_sprite->getColor(), vt::WHITE);
-  EXPECT_EQ(p_sprite->getSlowdown(), 0);
-  EXPECT_EQ(p_sprite->getTransparency(), 0);
-
+  EXPECT_EQ(rm().getSprite("plain")->getColor(), vt::WHITE);
+  EXPECT_EQ(rm().getSprite("plain")->getTransparency(), 0);
   // Only the first character of a transparency value counts.
   ASSERT_EQ(engine.loadSpriteText(
                 "dot", robust({"transparency ..x", "height 1", "width 1", "frames 1", "color red"},
@@ -113,32 +100,21 @@ TEST(RobustSprite, RepeatedAndUnusedLines) {
   EXPECT_EQ(rm().getSprite("s")->getSlowdown(), 3);
 }
 
-TEST(RobustSprite, NoFramesLeavesTheBodyOver) {
-  test::ResourceEngine engine;
-  // "frames3" matches "frames"; its value is read after the separator, the 3.
-  for (const char* frames : {"frames 0", "frames3"}) {
-    EXPECT_EQ(
-        engine.loadSpriteText("s", robust({frames, "width 1", "height 1"}, {"x", "end"}, VERSION)),
-        -1);
-    EXPECT_EQ(engine.lastLoadLog(), (Lines{"RM::loadRobustSprite(): Error! Extra BODY:",
-                                           "\tline 10: x", "\tline 11: end", NOT_LOADED}));
-  }
-  EXPECT_EQ(rm().getSpriteCount(), 0);
-}
-
-TEST(RobustSprite, SectionErrors) {
+TEST(RobustSprite, EveryFaultHasItsMessage) {
   test::ResourceEngine engine;
   const std::string eof = "getLine(): Error! Unexpected end of file.";
+  const std::string no_frame = "RM::loadRobustSprite(): Error! No frame data to add.";
   const std::string body = section("BODY", {"x", "end"});
+  const Lines two_by_three = {"frames 2", "width 3", "height 2"};
   struct Case {
     std::string text;
     Lines log;
   };
+  // The body section is counted once as it is read and its lines again as
+  // frames are taken from it: the line numbers quoted follow that count.
   const Case cases[] = {
       {robust({"width 1", "height 1"}, {"x", "end"}, VERSION),
        {"RM::loadRobustSprite(): Error! Missing 'frames' in header.", NOT_LOADED}},
-      {robust({"frames 1", "height 1"}, {"x", "end"}, VERSION),
-       {"RM::loadRobustSprite(): Error! Missing 'width' in header.", NOT_LOADED}},
       {robust({"frames 1", "width 1"}, {"x", "end"}, VERSION),
        {"RM::loadRobustSprite(): Error! Missing 'height' in header.", NOT_LOADED}},
       {"<HEADER>\nframes 1\nwidth 1\n",
@@ -146,52 +122,39 @@ TEST(RobustSprite, SectionErrors) {
       {"<HEADER>\nframes 1\n\nwidth 1\nheight 1\n</HEADER>\n" + body,
        {"readData(): Error! Never encountered '</HEADER>'.", NOT_LOADED}},
       {"<HEADER>\n</HEADER>\n" + body, {NOT_LOADED}},
-      {section("HEADER", {"frames 1", "width 1", "height 1"}) + section("FOOTER", VERSION),
+      {section("HEADER", ONE_BY_ONE) + section("FOOTER", VERSION),
        {"readData(): Error line 6! Expected '<BODY>', have '<FOOTER>'.", NOT_LOADED}},
-      {section("HEADER", {"frames 1", "width 1", "height 1"}) + "<BODY>\nx\nend\n",
+      {section("HEADER", ONE_BY_ONE) + "<BODY>\nx\nend\n",
        {eof, "readData(): Error! Never encountered '</BODY>'.", NOT_LOADED}},
-      {section("HEADER", {"frames 1", "width 1", "height 1"}) + "<BODY>\n</BODY>\n", {NOT_LOADED}},
+      {section("HEADER", ONE_BY_ONE) + "<BODY>\n</BODY>\n", {NOT_LOADED}},
       {robust({"frames 1", "width 1", "height 1", "color purple"}, {"x", "end"}, VERSION),
        {"RM::loadRobustSprite(): Error! Unrecognized color 'purple'.", NOT_LOADED}},
-      {section("HEADER", {"frames 1", "width 1", "height 1"}) + body,
+      {section("HEADER", ONE_BY_ONE) + body,
        {eof, "readData(): Error line 11! Expected '<FOOTER>', have ''.", NOT_LOADED}},
-      {robust({"frames 1", "width 1", "height 1"}, {"x", "end"}, {"author me"}),
+      {robust(ONE_BY_ONE, {"x", "end"}, {"author me"}),
        {"RM::loadRobustSprite(): Error! Missing 'version' in FOOTER (line 14).", NOT_LOADED}},
-      {robust({"frames 1", "width 1", "height 1"}, {"x", "end"}, {"version"}),
+      {robust(ONE_BY_ONE, {"x", "end"}, {"version"}),
        {"RM::loadRobustSprite(): Error! Missing 'version' in FOOTER (line 14).", NOT_LOADED}},
+      // "frames3" matches "frames"; its value is read after the separator.
+      {robust({"frames 0", "width 1", "height 1"}, {"x", "end"}, VERSION),
+       {"RM::loadRobustSprite(): Error! Extra BODY:", "\tline 10: x", "\tline 11: end",
+        NOT_LOADED}},
+      {robust({"frames3", "width 1", "height 1"}, {"x", "end"}, VERSION),
+       {"RM::loadRobustSprite(): Error! Extra BODY:", "\tline 10: x", "\tline 11: end",
+        NOT_LOADED}},
+      {robust(two_by_three, {"abc", "de", "end", "ghi", "jkl", "end"}, VERSION),
+       {"\tError! Line 15: Line length is 2 (frame width is 3).", "\tLine 15: 'de'", no_frame,
+        NOT_LOADED}},
+      {robust(two_by_three, {"abc", "def", "ghi", "jkl", "mno", "end"}, VERSION),
+       {"\tError! Line 16: Expected 'end'.", "\tLine 16: 'ghi'", no_frame, NOT_LOADED}},
+      {robust(two_by_three, {"abc", "def", "end", "ghi"}, VERSION),
+       {"\tError! Line 16: No more frame data before 'end'.", no_frame, NOT_LOADED}},
+      {robust(two_by_three, {"abc", "def", "end", "ghi", "jkl", "end", "xyz"}, VERSION),
+       {"RM::loadRobustSprite(): Error! Extra BODY:", "\tline 21: xyz", NOT_LOADED}},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(engine.loadSpriteText("s", c.text), -1) << c.text;
     EXPECT_EQ(engine.lastLoadLog(), c.log) << c.text;
-  }
-  EXPECT_EQ(rm().getSpriteCount(), 0);
-}
-
-TEST(RobustSprite, FrameErrors) {
-  test::ResourceEngine engine;
-  const std::string no_frame = "RM::loadRobustSprite(): Error! No frame data to add.";
-  struct Case {
-    Lines body;
-    Lines log;
-  };
-  // The header takes lines 1 to 5 and the body section is counted once as
-  // it is read; frame reading counts its lines again from there.
-  const Case cases[] = {
-      {{"abc", "de", "end", "ghi", "jkl", "end"},
-       {"\tError! Line 15: Line length is 2 (frame width is 3).", "\tLine 15: 'de'", no_frame,
-        NOT_LOADED}},
-      {{"abc", "def", "ghi", "jkl", "mno", "end"},
-       {"\tError! Line 16: Expected 'end'.", "\tLine 16: 'ghi'", no_frame, NOT_LOADED}},
-      {{"abc", "def", "end", "ghi"},
-       {"\tError! Line 16: No more frame data before 'end'.", no_frame, NOT_LOADED}},
-      {{"abc", "def"},
-       {"\tError! Line 12: No more frame data before 'end'.", no_frame, NOT_LOADED}},
-      {{"abc", "def", "end", "ghi", "jkl", "end", "xyz"},
-       {"RM::loadRobustSprite(): Error! Extra BODY:", "\tline 21: xyz", NOT_LOADED}},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(engine.loadSpriteText("s", robust(SMALL_HEADER, c.body, VERSION)), -1);
-    EXPECT_EQ(engine.lastLoadLog(), c.log) << c.body.size();
   }
   EXPECT_EQ(rm().getSpriteCount(), 0);
 }
