@@ -1,11 +1,14 @@
 #include "media/SpriteLoader.h"
 
+#include "core/Utility.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <new>
 
 #include "core/LogManager.h"
+#include "core/Utility.h"
 
 namespace vt {
 
@@ -109,11 +112,6 @@ void warnMissing(const char* tag) {
 
 }  // namespace
 
-int SpriteLoader::toInt(const std::string& text) {
-  const long long value = std::strtoll(text.c_str(), nullptr, 10);
-  return static_cast<int>(std::clamp<long long>(value, INT_MIN, INT_MAX));
-}
-
 std::unique_ptr<Sprite> SpriteLoader::load() {
   const std::string first_line = reader.getLine(false);
   reader.rewind();
@@ -121,7 +119,7 @@ std::unique_ptr<Sprite> SpriteLoader::load() {
     logManager().writeLog(1, "RM::loadSprite(): assuming robust sprite file format.");
     return loadRobustSprite();
   }
-  if (toInt(first_line) < 1) {
+  if (readInt(first_line) < 1) {
     logManager().writeLog("RM::loadSprite(): Error! Unknown sprite file format.");
     logManager().writeLog("RM::loadSprite(): First line is '%s'.", first_line.c_str());
     return nullptr;
@@ -153,7 +151,7 @@ std::unique_ptr<Sprite> SpriteLoader::loadSimpleSprite() {
 bool SpriteLoader::readSimpleHeader(SpriteHeader& header) {
   const std::string frames = readSimpleHeaderLine("frames (an integer)");
   if (frames.empty()) return false;
-  header.frames = toInt(frames);
+  header.frames = readInt(frames);
   if (header.frames < 1) {
     logManager().writeLog("RM::loadSimpleSprite(): Error line %d! Number of frames is %d.",
                           reader.getLineNumber(), header.frames);
@@ -178,7 +176,7 @@ bool SpriteLoader::readSimpleHeaderInt(const char* missing, const char* name, in
                                        int& value) {
   const std::string line = readSimpleHeaderLine(missing);
   if (line.empty()) return false;
-  value = toInt(line);
+  value = readInt(line);
   if (value >= minimum) return true;
   logManager().writeLog("RM::loadSimpleSprite(): Error line %d! %s is '%s'.",
                         reader.getLineNumber(), name, line.c_str());
@@ -387,7 +385,7 @@ int SpriteLoader::matchLineInt(LineList& lines, const std::string& tag) {
   bool found = false;
   const std::string value =
       matchValue(lines, tag, "matchLineInt(): Warning! '%s' matches multiple lines.", found);
-  return found ? toInt(value) : -1;
+  return found ? readInt(value) : -1;
 }
 
 std::string SpriteLoader::matchLineStr(LineList& lines, const std::string& tag) {

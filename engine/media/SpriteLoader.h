@@ -48,9 +48,6 @@ class SpriteLoader {
   // when no line matches.
   static int matchLineInt(LineList& lines, const std::string& tag);
   static std::string matchLineStr(LineList& lines, const std::string& tag);
-  // Leading decimal digits as an int (0 when there are none), clamped to
-  // the range of int.
-  static int toInt(const std::string& text);
 
  private:
   bool readSimpleHeader(SpriteHeader& header);
