@@ -165,8 +165,8 @@ Object::~Object() {
   // Every manager that delivers to the object lets go of it, the network
   // manager too, which an explicit unregistering of "vt-custom-network"
   // leaves alone: no manager may keep a pointer to a deleted object.
-  for (int i = event_count - 1; i >= 0; i--) {
-    managerFor(event_name[i]).unregisterInterest(this, event_name[i]);
+  for (auto name = event_names.rbegin(); name != event_names.rend(); ++name) {
+    managerFor(*name).unregisterInterest(this, *name);
   }
   releasePathFind();
   WorldManager::getInstance().removeObject(this);
@@ -385,36 +385,33 @@ void Object::applyAcceleration() {
 }
 
 int Object::registerInterest(std::string event_type) {
-  if (event_count == MAX_OBJ_EVENTS) {
+  if (getEventCount() == MAX_OBJ_EVENTS) {
     LogManager::getInstance().writeLog(
         "Object::registerInterest(): maximum (%d) reached, cannot register for event '%s'",
         MAX_OBJ_EVENTS, event_type.c_str());
     return -1;
   }
   if (managerFor(event_type).registerInterest(this, event_type) != 0) return -1;
-  event_name[event_count++] = std::move(event_type);
+  event_names.push_back(std::move(event_type));
   modified[EVENTS] = true;
   return 0;
 }
 
 int Object::unregisterInterest(std::string event_type) {
-  int index = 0;
-  while (index < event_count && event_name[index] != event_type) index++;
-  if (index == event_count) {
+  const auto found = std::find(event_names.begin(), event_names.end(), event_type);
+  if (found == event_names.end()) {
     LogManager::getInstance().writeLog(
         "Object::unregisterInterest(): event '%s' not previously registered", event_type.c_str());
     return -1;
   }
   if (managerFor(event_type, true).unregisterInterest(this, event_type) != 0) return -1;
-  for (int i = index; i < event_count - 1; i++) event_name[i] = std::move(event_name[i + 1]);
-  event_count--;
-  event_name[event_count].clear();
+  event_names.erase(found);
   modified[EVENTS] = true;
   return 0;
 }
 
 std::string Object::getEventName(int index) const {
-  return index >= 0 && index < event_count ? event_name[index] : "";
+  return index >= 0 && index < getEventCount() ? event_names[index] : "";
 }
 
 int Object::eventHandler(const Event* p_event) {
@@ -519,9 +516,9 @@ std::string Object::serializeGroup(int group) {
 }
 
 std::string Object::serializeEvents() const {
-  std::string text = entry("event_count", toString(event_count));
-  for (int i = 0; i < event_count; i++) {
-    text += entry("event_name[" + toString(i) + "]", event_name[i]);
+  std::string text = entry("event_count", toString(getEventCount()));
+  for (int i = 0; i < getEventCount(); i++) {
+    text += entry("event_name[" + toString(i) + "]", event_names[i]);
   }
   return text;
 }
@@ -583,7 +580,7 @@ int Object::deserialize(std::string str) {
 void Object::deserializeEvents() {
   int count = 0;
   if (!readIntKey("event_count", count)) return;
-  for (int i = event_count - 1; i >= 0; i--) unregisterInterest(event_name[i]);
+  for (int i = getEventCount() - 1; i >= 0; i--) unregisterInterest(event_names[i]);
   // No object holds more than MAX_OBJ_EVENTS, whatever count claims.
   for (int i = 0; i < std::min(count, MAX_OBJ_EVENTS); i++) {
     const std::string name = valueOf("event_name[" + toString(i) + "]");

@@ -2,6 +2,7 @@
 
 #include <list>
 #include <string>
+#include <vector>
 
 #include "core/Box.h"
 #include "core/Event.h"
@@ -135,7 +136,7 @@ class Object {
 
   int registerInterest(std::string event_type);
   int unregisterInterest(std::string event_type);
-  int getEventCount() const { return event_count; }
+  int getEventCount() const { return static_cast<int>(event_names.size()); }
   std::string getEventName(int index) const;
 
  protected:
@@ -172,8 +173,9 @@ class Object {
   Solidness solidness = HARD;
   Animation animation;
   bool no_soft = false;
-  int event_count = 0;
-  std::string event_name[MAX_OBJ_EVENTS];
+  // The event types the object is registered for, in order; at most
+  // MAX_OBJ_EVENTS, grown as registered.
+  std::vector<std::string> event_names;
   bool modified[ATTRIBUTE_COUNT];
   Shape shape;
   PathFind* p_path_find = nullptr;
