@@ -15,27 +15,14 @@ set -uo pipefail
 GAME_DIR=$(cd "$1" && pwd)
 MINUTES=${2:-10}
 WORK=$(mktemp -d)
-
-exec 3<> <(:)
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset > "$WORK/xvfb.log" 2>&1 &
-XVFB_PID=$!
-read -r -t 10 DISPLAY_NUMBER <&3 || { echo "Xvfb did not start"; exit 1; }
-export DISPLAY=":$DISPLAY_NUMBER"
-GAME_PID=""
-cleanup() {
-  [ -n "$GAME_PID" ] && kill "$GAME_PID" 2> /dev/null
-  kill "$XVFB_PID" 2> /dev/null
-  rm -rf "$WORK"
-}
+SHOTS="$WORK"
+source "$(dirname "$0")/../tests/e2e/support/game-driver.sh"
+start_xvfb
 trap cleanup EXIT
-
-cd "$GAME_DIR" || exit 1
 # SOAK_WRAPPER runs the game under a tool, such as "heaptrack -o FILE".
-ALSOFT_DRIVERS=null VANTOR_LOG="$WORK/vantor.log" ${SOAK_WRAPPER:-} ./shooter > /dev/null 2>&1 &
-GAME_PID=$!
-xdotool search --sync --name "^Vantor$" > /dev/null || { echo "no window"; exit 1; }
+start_game ${SOAK_WRAPPER:-}
 sleep 0.5
-xdotool search --name "^Vantor$" windowfocus --sync key x
+key x
 sleep 1
 
 resident_kb() { awk '/^VmRSS/ {print $2}' "/proc/$GAME_PID/status" 2> /dev/null; }
@@ -46,7 +33,7 @@ play_second() {
   local tick=$1
   xdotool mousemove 640 500 mousedown 1
   if [ $((tick % 4)) -eq 0 ]; then
-    xdotool search --name "^Vantor$" windowfocus --sync key p
+    key p
   fi
   local side=a
   [ $((tick % 6)) -lt 3 ] && side=d
@@ -62,7 +49,7 @@ last_late=0
 first_kb=""
 for minute in $(seq 1 "$MINUTES"); do
   for _ in $(seq 1 60); do
-    kill -0 "$GAME_PID" 2> /dev/null || { echo "the game ended"; exit 1; }
+    game_running || fail "the game ended"
     play_second $tick
     tick=$((tick + 1))
   done
