@@ -1,5 +1,5 @@
-// What the display manager, frames, view objects, shapes and a moving scene
-// put on the screen of a real window under a private X server.
+// What the display manager, frames, view objects and shapes put on the
+// screen of a real window.
 #include <gtest/gtest.h>
 
 #include <SFML/Graphics.hpp>
@@ -7,7 +7,6 @@
 #include <fstream>
 #include <random>
 #include <set>
-#include <string>
 #include <vector>
 
 #include "core/Config.h"
@@ -47,10 +46,8 @@ sf::IntRect inkBounds(const sf::Image& image) {
   for (int y = 0; y < 768; y++) {
     for (int x = 0; x < 1024; x++) {
       if (image.getPixel(x, y) == sf::Color::Black) continue;
-      left = std::min(left, x);
-      top = std::min(top, y);
-      right = std::max(right, x);
-      bottom = std::max(bottom, y);
+      left = std::min(left, x), top = std::min(top, y);
+      right = std::max(right, x), bottom = std::max(bottom, y);
     }
   }
   return {left, top, right - left + 1, bottom - top + 1};
@@ -84,8 +81,7 @@ class DrawingWindowTest : public ::testing::Test {
     return vt::test::captureWindow(*display.getWindow());
   }
 
-  // What was drawn since the last swap shows exactly as the cells drawn
-  // one by one.
+  // What was drawn since the last swap shows as the cells drawn one by one.
   void expectShownAs(const std::vector<std::vector<Cell>>& rows, const std::string& what) {
     const sf::Image shown = showAndCapture();
     EXPECT_LT(countPixels(shown, sf::Color::Black), 1024 * 768) << what;
@@ -95,7 +91,6 @@ class DrawingWindowTest : public ::testing::Test {
     EXPECT_EQ(vt::test::countDifferentPixels(shown, showAndCapture()), 0) << what;
   }
 
-  // A frame of one white 'X' at a fixed cell; the box of its ink.
   sf::IntRect shownGlyph() {
     display.drawCh(Vector(10, 5), 'X', vt::WHITE);
     return inkBounds(showAndCapture());
@@ -113,7 +108,6 @@ TEST_F(DrawingWindowTest, OpensACentredWindowAndNeedsItsFont) {
   EXPECT_EQ(display.getWindow()->getPosition(), sf::Vector2i(128, 128));
   display.shutDown();
   EXPECT_EQ(display.getWindow(), nullptr);
-  vt::LogManager::getInstance().setLogLevel(5);
   vt::Config::getInstance().loadConfig(
       "window_horizontal_pixels:1280,window_vertical_pixels:1024,");
   ASSERT_EQ(display.startUp(), 0);
@@ -123,18 +117,13 @@ TEST_F(DrawingWindowTest, OpensACentredWindowAndNeedsItsFont) {
   EXPECT_EQ(display.startUp(), -1);
   EXPECT_FALSE(display.isStarted());
   EXPECT_EQ(display.getWindow(), nullptr);
-  for (const std::string& line :
-       std::vector<std::string>{"DisplayManager::startUp(): window resolution (1280, 1024) pixels.",
-                                "DisplayManager::startUp(): successfully started.",
-                                "DisplayManager::startUp(): Unable to load font from file '" +
-                                    config.folder() + "/missing.ttf'."}) {
-    EXPECT_NE(config.logText().find(line + "\n"), std::string::npos) << line;
-  }
+  EXPECT_NE(config.logText().find("DisplayManager::startUp(): Unable to load font from file '" +
+                                  config.folder() + "/missing.ttf'.\n"),
+            std::string::npos);
 }
 
-// A full screen of assorted characters, some on half cells, with a drawable
-// over the second half and, the second time, a green background from a
-// quarter on: drawn as one rectangle and one text per cell would be.
+// A full screen of assorted characters, some on half cells, a drawable over
+// the second half and, the second time, a green background from a quarter on.
 TEST_F(DrawingWindowTest, DrawsLikeOneRectangleAndOneTextPerCell) {
   sf::RenderWindow& window = *display.getWindow();
   world.setView(vt::Box(Vector(1, 1), 80, 24));
@@ -200,29 +189,17 @@ TEST_F(DrawingWindowTest, StringsFramesAndViewObjectsLandOnTheirCells) {
   expectShownAs({cells(18.5f, 5.5f, "ab#\ncd+*", vt::CYAN)}, "frame with transparency");
   vt::Frame(3, 1, "a.b").draw(Vector(9, 9), vt::RED, 0);
   expectShownAs({cells(8, 9, "a.b", vt::RED)}, "frame without transparency");
-  // Objects show their sprite's frame in its colour, transparent cells left
-  // out, in sprite files of both formats.
-  vt::ResourceManager& resources = vt::ResourceManager::getInstance();
-  ASSERT_EQ(resources.startUp(), 0);
-  const std::string files[] = {
-      "2\n3\n2\n4\nmagenta\n ^ \n/#\\\n ^ \n/*\\\n",
-      "<HEADER>\nframes 1\nwidth 3\nheight 2\ncolor green\ntransparency #\n"
-      "</HEADER>\n<BODY>\n(o)\n#_#\nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n"};
-  for (const std::string& text : files) {
-    std::ofstream(config.folder() + "/sprite.txt") << text;
-    ASSERT_EQ(resources.loadSprite(config.folder() + "/sprite.txt", "sprite" + text.substr(0, 1)),
-              0)
-        << config.logText();
-  }
+  // Objects show their sprite's frame in its colour, transparent cells left out.
+  ASSERT_EQ(vt::ResourceManager::getInstance().startUp(), 0);
+  std::ofstream(config.folder() + "/sprite.txt")
+      << "<HEADER>\nframes 1\nwidth 3\nheight 2\ncolor green\ntransparency #\n</HEADER>\n"
+         "<BODY>\n(o)\n#_#\nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n";
+  ASSERT_EQ(vt::ResourceManager::getInstance().loadSprite(config.folder() + "/sprite.txt", "s"), 0);
   auto* p_object = new vt::Object;
-  EXPECT_EQ(p_object->setSprite("sprite2"), 0);
+  EXPECT_EQ(p_object->setSprite("s"), 0);
   p_object->setPosition(Vector(30, 10));
   world.draw();
-  expectShownAs({cells(29, 9.5f, " ^ \n/#\\", vt::MAGENTA)}, "simple sprite file");
-  p_object->setSprite("sprite<");
-  world.draw();
-  expectShownAs({cells(29, 9.5f, "(o)", vt::GREEN), cells(30, 10.5f, "_", vt::GREEN)},
-                "sectioned sprite file with transparency");
+  expectShownAs({cells(29, 9.5f, "(o)", vt::GREEN), cells(30, 10.5f, "_", vt::GREEN)}, "sprite");
   world.markForDelete(p_object);
   world.update();
   // A view object stays put on the screen when the view moves.
@@ -300,8 +277,6 @@ TEST_F(DrawingWindowTest, ShapesInTheirColourSizeAndOpacity) {
   shape.setType(3);
   shape.setType(-2);
   EXPECT_EQ(shape.getType(), vt::UNDEFINED_SHAPE);
-  EXPECT_NE(config.logText().find("Shape::setType(): Unknown shape type 3. Ignoring.\n"),
-            std::string::npos);
   shape.setSize(12);
   shape.draw(Vector(10, 10));
   EXPECT_EQ(countPixels(showAndCapture(), sf::Color::Black), 1024 * 768);
@@ -313,22 +288,20 @@ TEST_F(DrawingWindowTest, ShapesInTheirColourSizeAndOpacity) {
     EXPECT_EQ(vt::Shape::getDrawnShape().getPointCount(), points) << size;
   }
   display.swapBuffers();
-  // Placed around the position's pixel (128, 320), sized by the size.
   const sf::Color custom(10, 200, 30);
   shape.setColor(vt::CUSTOM);
   shape.setRGB(custom.r, custom.g, custom.b);
   shape.setSize(12);
-  // The square's turn of 45 degrees stays with later circles and triangles.
+  // Around the position's pixel (128, 320); the square's turn of 45 degrees
+  // stays with later shapes.
   for (const auto& [type, bounds] : {std::pair(vt::SQUARE, sf::IntRect(130, 317, 8, 9)),
                                      {vt::CIRCLE, {110, 319, 24, 24}},
                                      {vt::TRIANGLE, {117, 318, 9, 10}}}) {
     shape.setType(type);
     shape.draw(Vector(10, 10));
     const sf::Image shown = showAndCapture();
-    const sf::IntRect ink = inkBounds(shown);
-    EXPECT_EQ(ink, bounds) << type << ": " << ink.left << "," << ink.top << " " << ink.width << "x"
-                           << ink.height;
-    EXPECT_GT(countPixels(shown, custom), ink.width * ink.height / 3) << type;
+    EXPECT_EQ(inkBounds(shown), bounds) << type;
+    EXPECT_GT(countPixels(shown, custom), bounds.width * bounds.height / 3) << type;
   }
   // A named colour replaces the red, green and blue; opacity is the alpha.
   shape.setColor(vt::RED);
