@@ -57,26 +57,6 @@ TEST(Input, EverySfmlKeyHasItsEngineCode) {
   EXPECT_EQ(vt::buttonFromSFML(sf::Mouse::XButton1), vt::Mouse::UNDEFINED_MOUSE_BUTTON);
 }
 
-TEST(Input, HeldKeysArePolledInOrderWithNumZeroTwice) {
-  std::vector<SK::Key> expected = {
-      SK::Up,     SK::Down,      SK::Left,     SK::Right,    SK::Space,     SK::Enter,
-      SK::Tab,    SK::Escape,    SK::Pause,    SK::Subtract, SK::Add,       SK::Tilde,
-      SK::Period, SK::Comma,     SK::Slash,    SK::Equal,    SK::Backslash, SK::Multiply,
-      SK::Quote,  SK::Semicolon, SK::LControl, SK::RControl, SK::LShift,    SK::RShift};
-  for (const auto& [first, count] : {std::pair(SK::F1, 10), {SK::A, 26}, {SK::Num1, 9}}) {
-    for (int i = 0; i < count; i++) expected.push_back(sfKey(first + i));
-  }
-  expected.insert(expected.end(), 2, SK::Num0);
-  const std::vector<vt::KeyBinding>& polled = vt::polledKeys();
-  ASSERT_EQ(polled.size(), expected.size());
-  for (std::size_t i = 0; i < polled.size(); i++) {
-    EXPECT_EQ(polled[i].sfml_key, expected[i]) << "entry " << i;
-    // Held keys report the codes of presses, except the second Num0.
-    const int code = i + 1 < polled.size() ? vt::keyFromSFML(expected[i]) : K::BACKSPACE;
-    EXPECT_EQ(polled[i].engine_key, code) << "entry " << i;
-  }
-}
-
 TEST(Input, ManagerStartsAfterTheDisplayAndPassesInputEventsOn) {
   const test::HeadlessEngine engine;
   InputManager& input_manager = InputManager::getInstance();

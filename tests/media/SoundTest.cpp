@@ -166,20 +166,15 @@ TEST_F(SoundTest, WavReaderReadsSixteenBitPcmAndLeavesOtherFilesToSfml) {
   EXPECT_EQ(reader.read(read.data(), 10), 4u);
 
   const std::string good = test::ResourceEngine::wavBytes(8);
-  const std::string others[] = {with(good, 3, "X"),
-                                with(good, 8, "X"),
-                                with(good, 16, "\x0f"s),
-                                with(good, 20, "\x03"s),
-                                with(good, 22, "\0"s),
-                                with(good, 24, "\0\0"s),
-                                with(good, 32, "\x03"s),
-                                with(good, 34, "\x08"s),
-                                good.substr(0, 36),
-                                with(good, 12, "data"),
-                                ""};
+  // Files it declines: each breaks one field of a good header.
+  const std::pair<std::size_t, std::string> breaks[] = {{3, "X"},      {8, "X"},      {16, "\x0f"s},
+                                                        {20, "\x03"s}, {22, "\0"s},   {24, "\0\0"s},
+                                                        {32, "\x03"s}, {34, "\x08"s}, {12, "data"}};
+  std::vector<std::string> others = {good.substr(0, 36), ""};
+  for (const auto& [at, part] : breaks) others.push_back(with(good, at, part));
   for (const std::string& other : others) {
     stream.open(other.data(), other.size());
-    EXPECT_FALSE(vt::WavReader::check(stream)) << &other - others;
+    EXPECT_FALSE(vt::WavReader::check(stream)) << &other - others.data();
   }
   // It goes ahead of SFML's own readers, which would believe a claim.
   test::ResourceEngine engine;
