@@ -61,9 +61,6 @@ class XvfbServer {
     kill(pid, SIGTERM);
     waitpid(pid, nullptr, 0);
   }
-  XvfbServer(const XvfbServer&) = delete;
-  XvfbServer& operator=(const XvfbServer&) = delete;
-
   bool running = false;
 
  private:
@@ -83,10 +80,6 @@ bool keepGraphicsDriverLoaded() {
       },
       nullptr);
   return true;
-}
-
-int ignoreXError(Display*, XErrorEvent*) {
-  return 0;
 }
 
 }  // namespace
@@ -136,7 +129,6 @@ sf::Image captureWindow(const sf::Window& window) {
   sf::Image image;
   Display* p_display = XOpenDisplay(nullptr);
   if (p_display == nullptr) return image;
-  const auto previous_handler = XSetErrorHandler(ignoreXError);
   XImage* p_ximage =
       XGetImage(p_display, window.getSystemHandle(), 0, 0, size.x, size.y, AllPlanes, ZPixmap);
   if (p_ximage != nullptr) {
@@ -149,7 +141,6 @@ sf::Image captureWindow(const sf::Window& window) {
     }
     XDestroyImage(p_ximage);
   }
-  XSetErrorHandler(previous_handler);
   XCloseDisplay(p_display);
   return image;
 }
