@@ -11,6 +11,7 @@
 
 using vt::Animation;
 using vt::Sprite;
+using namespace std::string_literals;
 
 namespace {
 
@@ -69,8 +70,8 @@ TEST(Animation, StepsBySlowdownWrapsFreezesAndRestarts) {
     animation.setSprite(p_extreme.get());
     animation.setSlowdownCount(c[1]);
     animation.draw(vt::Vector(5, 5));
-    EXPECT_EQ(animation.getIndex(), c[2]) << c[0] << ", " << c[1];
-    EXPECT_EQ(animation.getSlowdownCount(), c[3]) << c[0] << ", " << c[1];
+    EXPECT_EQ(std::pair(animation.getIndex(), animation.getSlowdownCount()), std::pair(c[2], c[3]))
+        << c[0] << ", " << c[1];
   }
 }
 
@@ -79,8 +80,8 @@ TEST(Animation, SerializesWhenChosenAndReadsNumbersAsAtoiDoes) {
   ASSERT_EQ(engine.loadSpriteText("keep", "2\n3\n1\n2\ncyan\nabc\ndef\n"), 0);
   Sprite* p_keep = vt::ResourceManager::getInstance().getSprite("keep");
   Animation animation;
-  EXPECT_EQ(animation.serialize(), "sprite_name:,sprite_index:0,sprite_slowdown_count:0,");
-  EXPECT_EQ(animation.serialize(), "");
+  EXPECT_EQ(animation.serialize() + animation.serialize(),
+            "sprite_name:,sprite_index:0,sprite_slowdown_count:0,");
   animation.setIndex(1);
   EXPECT_EQ(animation.serialize("POSITION,"), "");
   EXPECT_EQ(animation.serialize("ID,ANIMATION,"),
@@ -90,8 +91,7 @@ TEST(Animation, SerializesWhenChosenAndReadsNumbersAsAtoiDoes) {
   EXPECT_EQ(animation.serialize(), "sprite_name:keep,sprite_index:0,sprite_slowdown_count:-1,");
   // An unknown name is kept; the sprite shown stays.
   animation.deserialize("sprite_name:ghost,");
-  EXPECT_EQ(animation.getName(), "ghost");
-  EXPECT_EQ(animation.getSprite(), p_keep);
+  EXPECT_EQ(std::pair(animation.getName(), animation.getSprite()), std::pair("ghost"s, p_keep));
   const struct {
     std::string text;
     int index, count;
@@ -101,7 +101,8 @@ TEST(Animation, SerializesWhenChosenAndReadsNumbersAsAtoiDoes) {
                   {"sprite_slowdown_count:-99999999999,", -3, INT_MIN}};
   for (const auto& reading : readings) {
     EXPECT_EQ(animation.deserialize(reading.text), 0);
-    EXPECT_EQ(animation.getIndex(), reading.index) << reading.text;
-    EXPECT_EQ(animation.getSlowdownCount(), reading.count) << reading.text;
+    EXPECT_EQ(std::pair(animation.getIndex(), animation.getSlowdownCount()),
+              std::pair(reading.index, reading.count))
+        << reading.text;
   }
 }
