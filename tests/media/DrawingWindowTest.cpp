@@ -222,7 +222,8 @@ TEST_F(DrawingWindowTest, StringsFramesSpritesAndViewObjectsLandOnTheirCells) {
 
 TEST_F(DrawingWindowTest, ShakesGlyphsBySeverityForTheGivenSteps) {
   const sf::IntRect still = shownGlyph();
-  // Steps add up when asked to; offsets follow the last severity.
+  // Steps add up when asked to; offsets follow the last severity, and a
+  // severity of 0 moves one pixel down.
   display.shake(2, 2, 3);
   display.shake(0, 0, 27, true);
   display.swapBuffers();
@@ -235,7 +236,6 @@ TEST_F(DrawingWindowTest, ShakesGlyphsBySeverityForTheGivenSteps) {
             (std::set<std::pair<int, int>>{
                 {-1, -1}, {-1, 1}, {-1, 3}, {1, -1}, {1, 1}, {1, 3}, {3, -1}, {3, 1}, {3, 3}}));
   EXPECT_EQ(shownGlyph(), still);
-  // A severity of 0 moves one pixel down.
   display.shake(0, 0, 2);
   display.shake(2, 0, 3, true);
   display.swapBuffers();
