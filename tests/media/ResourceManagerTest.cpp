@@ -6,9 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "core/LogManager.h"
 #include "media/ResourceManager.h"
-#include "support/HeadlessEngine.h"
 #include "support/ResourceEngine.h"
 #include "world/Object.h"
 
@@ -26,56 +24,30 @@ const char* const ONE_FRAME = "1\n5\n3\n0\nred\n.....\n.....\n.....\n";
 }  // namespace
 
 TEST(ResourceManager, WorksOnlyWhileStartedAndForgetsAllWhenStopped) {
-  {
-    test::HeadlessEngine engine;
-    const std::string file = engine.getDirectory() + "/ship.txt";
-    EXPECT_EQ(rm().loadSprite(file, "ship") + rm().unloadSprite("ship") +
-                  rm().loadSound(file, "fire") + rm().unloadSound("fire") +
-                  rm().loadMusic(file, "theme") + rm().unloadMusic("theme"),
-              -6);
-    const std::string log = engine.logText();
-    int refusals = 0;
-    for (auto at = log.find(" ResourceManager not started!\n"); at != std::string::npos;
-         at = log.find(" ResourceManager not started!\n", at + 1)) {
-      refusals++;
-    }
-    EXPECT_EQ(refusals, 6);
-  }
   test::ResourceEngine engine;
-  vt::LogManager::getInstance().setLogLevel(5);
-  EXPECT_EQ(rm().startUp(), -1);
   ASSERT_EQ(engine.loadSpriteText("ship", ONE_FRAME), 0);
-  ASSERT_EQ(rm().loadSound(engine.writeWav("fire.wav", 100), "fire"), 0);
-  ASSERT_EQ(rm().loadMusic(engine.writeWav("theme.wav", 100), "theme"), 0);
+  const std::string wav = engine.writeWav("fire.wav", 100);
+  ASSERT_EQ(rm().loadSound(wav, "fire") + rm().loadMusic(wav, "theme"), 0);
+  EXPECT_EQ(rm().startUp(), -1);
   rm().shutDown();
   EXPECT_FALSE(rm().isStarted());
+  EXPECT_EQ(rm().loadSprite(wav, "ship") + rm().unloadSprite("ship") + rm().loadSound(wav, "f") +
+                rm().unloadSound("f") + rm().loadMusic(wav, "t") + rm().unloadMusic("t"),
+            -6);
   EXPECT_EQ(rm().startUp(), 0);
   EXPECT_EQ(rm().getSpriteCount() + rm().getSoundCount() + rm().getMusicCount(), 0);
   EXPECT_EQ(rm().getSound("fire"), nullptr);
   EXPECT_EQ(rm().getMusic("theme"), nullptr);
-  const std::string log = engine.logText();
-  for (const char* line :
-       {"ResourceManager::startup(): Warning! ResourceManager already started.",
-        "RM::shutDown(): successfully stopped.", "RM::startUp(): successfully started."}) {
-    EXPECT_NE(log.find(std::string(line) + "\n"), std::string::npos) << line;
-  }
 }
 
 TEST(ResourceManager, SpritesByLabelUpToAThousandAndOnObjects) {
   test::ResourceEngine engine;
-  for (const char* label : {"a", "b", "c", "b"}) {
+  for (const char* label : {"a", "b", "c", "b"})
     ASSERT_EQ(engine.loadSpriteText(label, ONE_FRAME), 0);
-  }
   vt::Sprite* p_c = rm().getSprite("c");
-  vt::LogManager::getInstance().setLogLevel(5);
-  engine.newLogLines();
   EXPECT_EQ(rm().getSprite("B"), nullptr);
-  EXPECT_EQ(engine.newLogLines(), (Lines{"RM::getSprite(): Looking for sprite 'B'.",
-                                         "RM::getSprite(): Warning! Sprite 'B' not found."}));
   // The first of two equal labels goes first; the others keep their order.
-  EXPECT_EQ(rm().unloadSprite("b"), 0);
-  EXPECT_EQ(rm().getSprite("c"), p_c);
-  EXPECT_EQ(rm().unloadSprite("b"), 0);
+  EXPECT_EQ(rm().unloadSprite("b") + rm().unloadSprite("b"), 0);
   EXPECT_EQ(rm().unloadSprite("b"), -1);
   EXPECT_EQ(rm().getSprite("c"), p_c);
   EXPECT_EQ(rm().getSpriteCount(), 2);
@@ -106,10 +78,8 @@ TEST(ResourceManager, SoundsMoveDownWhenOneGoesAndMusicKeepsItsSlot) {
   testing::internal::CaptureStderr();
   {
     test::ResourceEngine engine;
-    vt::LogManager::getInstance().setLogLevel(1);
     const std::string file = engine.writeWav("beep.wav", 400);
     for (const char* label : {"fire", "boom", "hit"}) ASSERT_EQ(rm().loadSound(file, label), 0);
-    EXPECT_EQ(engine.newLogLines().back(), "RM::loadSound(): Sound 'hit' successfully loaded.");
     vt::Sound* p_first_slot = rm().getSound("fire");
     EXPECT_EQ(rm().unloadSound("fire"), 0);
     EXPECT_EQ(rm().unloadSound("fire"), -1);
@@ -126,19 +96,14 @@ TEST(ResourceManager, SoundsMoveDownWhenOneGoesAndMusicKeepsItsSlot) {
     for (int i = 0; i < 3; i++) EXPECT_EQ(p_first_slot[i].getStatus(), Status::Stopped) << i;
     ASSERT_EQ(rm().startUp(), 0);
     for (int i = 0; i < vt::MAX_SOUNDS; i++) ASSERT_EQ(rm().loadSound(file, std::to_string(i)), 0);
-    engine.newLogLines();
     EXPECT_EQ(rm().loadSound(file, "one-too-many"), -1);
     EXPECT_EQ(rm().unloadSound("0"), 0);
     EXPECT_EQ(rm().loadSound(file, "one-more"), 0);
     EXPECT_NE(rm().getSound("99"), nullptr);
-
     // Music long enough for its stream never to run dry on a busy machine.
     const std::string song = engine.writeWav("song.wav", 8000 * 5);
     EXPECT_EQ(rm().loadMusic(song, ""), -1);
-    const std::string missing = engine.writeFile("", "") + "missing.ogg";
-    EXPECT_EQ(rm().loadMusic(missing, "gone"), -1);
-    ASSERT_EQ(rm().loadMusic(song, "theme"), 0);
-    ASSERT_EQ(rm().loadMusic(song, "boss"), 0);
+    ASSERT_EQ(rm().loadMusic(song, "theme") + rm().loadMusic(song, "boss"), 0);
     vt::Music* p_theme = rm().getMusic("theme");
     ASSERT_NE(p_theme, nullptr);
     EXPECT_EQ(p_theme->getLabel(), "theme");
@@ -149,29 +114,13 @@ TEST(ResourceManager, SoundsMoveDownWhenOneGoesAndMusicKeepsItsSlot) {
     EXPECT_EQ(p_theme->getStatus(), Status::Stopped);
     EXPECT_EQ(rm().unloadMusic("theme"), -1);
     EXPECT_EQ(rm().getMusic("theme"), nullptr);
-    EXPECT_EQ(rm().getMusic(""), nullptr);
     EXPECT_EQ(p_theme[1].getStatus(), Status::Playing);
-    const Lines messages = engine.newLogLines();
     for (int i = 2; i < vt::MAX_MUSICS; i++) ASSERT_EQ(rm().loadMusic(song, std::to_string(i)), 0);
-    engine.newLogLines();
     EXPECT_EQ(rm().loadMusic(song, "one-too-many"), -1);
     EXPECT_NE(rm().getMusic("49"), nullptr);
     rm().shutDown();
     EXPECT_EQ(p_theme[1].getStatus(), Status::Stopped);
     ASSERT_EQ(rm().startUp(), 0);
-    EXPECT_EQ(messages,
-              (Lines{"RM::loadSound(): Error! Unable to add more sounds (max is 100).",
-                     "RM::loadSound(): Sound 'one-more' successfully loaded.",
-                     "RM::loadMusic(): Error! Must provide label for music.",
-                     "SFML: Failed to open sound file \"" + missing + "\" (couldn't open stream)",
-                     "RM::loadmusic(): Error! Cannot load music from file '" + missing + "'.",
-                     "RM::loadMusic(): Music 'theme' successfully loaded.",
-                     "RM::loadMusic(): Music 'boss' successfully loaded.",
-                     "RM::getMusic(): Warning! Music 'theme' not found.",
-                     "RM::getMusic(): Warning! Music '' not found."}));
-    EXPECT_EQ(engine.newLogLines(),
-              (Lines{"RM::loadMusic(): Error! Unable to add more musics (max is 50).",
-                     "RM::shutDown(): successfully stopped."}));
   }
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }

@@ -1,14 +1,13 @@
 #include "support/ResourceEngine.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <fstream>
 #include <sstream>
 
-#include <gtest/gtest.h>
-
-#include "core/Config.h"
 #include "core/LogManager.h"
 #include "media/ResourceManager.h"
 
@@ -21,32 +20,23 @@ std::string littleEndian(unsigned long value, int count) {
 }
 
 ResourceEngine::ResourceEngine() {
-  vt::LogManager& log_manager = vt::LogManager::getInstance();
-  log_manager.setLogTimeString(false);
-  log_manager.setLogStepCount(false);
+  vt::LogManager::getInstance().setLogTimeString(false);
+  vt::LogManager::getInstance().setLogStepCount(false);
   vt::ResourceManager::getInstance().startUp();
 }
 
 ResourceEngine::~ResourceEngine() {
   vt::ResourceManager::getInstance().shutDown();
-  vt::LogManager& log_manager = vt::LogManager::getInstance();
-  log_manager.setLogLevel(0);
-  log_manager.setLogTimeString(true);
-  log_manager.setLogStepCount(true);
-  vt::Config::getInstance().reset();
 }
 
 std::string ResourceEngine::writeFile(const std::string& name, const std::string& bytes) const {
   const std::string path = engine.getDirectory() + "/" + name;
-  std::ofstream file(path, std::ios::binary);
-  file << bytes;
+  std::ofstream(path, std::ios::binary) << bytes;
   return path;
 }
 
 std::string ResourceEngine::wavBytes(int sample_count, long claimed_count) {
   const unsigned long data_bytes = 2 * (claimed_count < 0 ? sample_count : claimed_count);
-  // Format: PCM, mono, 8000 samples and 16000 bytes a second, 2-byte
-  // frames of 16 bits.
   std::string bytes = "RIFF" + littleEndian(36 + data_bytes, 4) + "WAVEfmt " + littleEndian(16, 4) +
                       littleEndian(1, 2) + littleEndian(1, 2) + littleEndian(8000, 4) +
                       littleEndian(16000, 4) + littleEndian(2, 2) + littleEndian(16, 2) + "data" +
@@ -62,10 +52,9 @@ int ResourceEngine::loadSpriteText(const std::string& label, const std::string& 
   newLogLines();
   const int result = vt::ResourceManager::getInstance().loadSprite(path, label);
   last_load_log = newLogLines();
-  const std::string opening = "RM::loadSprite(): Loading sprite '" + path + "'.";
   EXPECT_FALSE(last_load_log.empty());
   if (!last_load_log.empty()) {
-    EXPECT_EQ(last_load_log.front(), opening);
+    EXPECT_EQ(last_load_log.front(), "RM::loadSprite(): Loading sprite '" + path + "'.");
     last_load_log.erase(last_load_log.begin());
   }
   return result;

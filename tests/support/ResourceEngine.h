@@ -7,10 +7,8 @@
 
 namespace test {
 
-// A headless engine with the resource manager started, a temporary folder
-// for the files a test writes, and a log whose lines carry neither time nor
-// step count, so that they read exactly as the engine wrote them. The
-// destructor puts every setting back to default.
+// A headless engine with the resource manager started and log lines without
+// time or step count; the destructor puts every setting back.
 class ResourceEngine {
  public:
   ResourceEngine();
@@ -18,21 +16,17 @@ class ResourceEngine {
   ResourceEngine(const ResourceEngine&) = delete;
   ResourceEngine& operator=(const ResourceEngine&) = delete;
 
-  // Writes the bytes into a file of that name in the temporary folder and
-  // returns its path.
+  // Writes the bytes as a file of the temporary folder; returns its path.
   std::string writeFile(const std::string& name, const std::string& bytes) const;
-  // A 16-bit mono 8 kHz PCM WAV file of sample_count samples of a tone in
-  // 44 bytes of header and the samples; the header claims claimed_count
+  // A 16-bit mono 8 kHz PCM WAV of a tone whose header claims claimed_count
   // samples (sample_count when negative).
   static std::string wavBytes(int sample_count, long claimed_count = -1);
   std::string writeWav(const std::string& name, int sample_count, long claimed_count = -1) const {
     return writeFile(name, wavBytes(sample_count, claimed_count));
   }
-  // Writes the text as the file <label>.txt and loads it as a sprite of
-  // that label; returns what loadSprite returned.
+  // Loads the text as sprite <label> from <label>.txt; lastLoadLog() then
+  // holds the lines it logged after its checked opening line.
   int loadSpriteText(const std::string& label, const std::string& text);
-  // The log lines of the last loadSpriteText after its opening line
-  // "RM::loadSprite(): Loading sprite '<path>'.", which is checked.
   const std::vector<std::string>& lastLoadLog() const { return last_load_log; }
   // The log lines written since the previous call.
   std::vector<std::string> newLogLines();
@@ -44,7 +38,6 @@ class ResourceEngine {
   std::vector<std::string> last_load_log;
 };
 
-// The number as count little-endian bytes.
 std::string littleEndian(unsigned long value, int count);
 
 }  // namespace test

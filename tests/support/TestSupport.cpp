@@ -11,11 +11,10 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "core/Config.h"
 #include "core/LogManager.h"
+#include "support/HeadlessEngine.h"
 
 // Last: Xlib defines macros (None, Status, Bool) that clash with other headers.
 #include <X11/Xlib.h>
@@ -36,8 +35,7 @@ class XvfbServer {
     const std::string fd_text = std::to_string(fds[1]);
     pid = fork();
     if (pid == 0) {
-      // Only async-signal-safe calls until exec; the server must not
-      // outlive a test process that crashes.
+      // Only async-signal-safe calls until exec; the server dies with us.
       const int null_fd = open("/dev/null", O_WRONLY);
       dup2(null_fd, STDOUT_FILENO);
       dup2(null_fd, STDERR_FILENO);
@@ -63,19 +61,14 @@ class XvfbServer {
     kill(pid, SIGTERM);
     waitpid(pid, nullptr, 0);
   }
-  XvfbServer(const XvfbServer&) = delete;
-  XvfbServer& operator=(const XvfbServer&) = delete;
-
   bool running = false;
 
  private:
   pid_t pid = -1;
 };
 
-// SFML closes its display only at exit, and the GL driver is unloaded with
-// it, before the leak checker of a sanitizer build runs: the checker could
-// then neither name the driver's allocations nor apply the suppressions for
-// them. A context loads the driver now, and every library loaded is kept.
+// Keeps the GL driver loaded until exit, so that a sanitizer's leak checker
+// can still name its allocations and apply the suppressions for them.
 bool keepGraphicsDriverLoaded() {
   const sf::Context context;
   dl_iterate_phdr(
@@ -89,18 +82,12 @@ bool keepGraphicsDriverLoaded() {
   return true;
 }
 
-int ignoreXError(Display*, XErrorEvent*) {
-  return 0;
-}
-
 }  // namespace
 
 }  // namespace vt::test
 
-// LeakSanitizer asks this before its check at exit. A process that opened
-// windows skips the check: with the software GL driver's threads about, the
-// check's own tracer now and then crashes at exit after every test passed.
-// Leaks of the engine itself are checked by every process without windows.
+// A process that opened windows skips LeakSanitizer's exit check: its tracer
+// now and then crashes among the software GL driver's threads.
 extern "C" int __lsan_is_turned_off() {
   return vt::test::opens_windows ? 1 : 0;
 }
@@ -115,9 +102,7 @@ bool startProcessXvfb() {
   return server.running;
 }
 
-TestConfig::TestConfig(bool headless) {
-  std::string pattern = (std::filesystem::temp_directory_path() / "vantor-test-XXXXXX").string();
-  if (mkdtemp(pattern.data()) != nullptr) temp_folder = pattern;
+TestConfig::TestConfig(bool headless) : temp_folder(::test::makeTempDir()) {
   Config& config = Config::getInstance();
   config.setFontFile(VANTOR_FONT_PATH);
   config.setHeadless(headless);
@@ -128,31 +113,25 @@ TestConfig::TestConfig(bool headless) {
 }
 
 TestConfig::~TestConfig() {
-  LogManager::getInstance().setLogLevel(0);
   LogManager::getInstance().shutDown();
-  Config::getInstance().reset();
-  if (!temp_folder.empty()) std::filesystem::remove_all(temp_folder);
+  ::test::restoreEngineSettings();
+  std::filesystem::remove_all(temp_folder);
 }
 
 std::string TestConfig::logText() const {
-  std::stringstream text;
-  text << std::ifstream(temp_folder + "/vantor.log").rdbuf();
-  return text.str();
+  return ::test::readFile(temp_folder + "/vantor.log");
 }
 
 sf::Image captureWindow(const sf::Window& window) {
-  // A round trip on the window's own connection: its last swap has then been
-  // handled by the server.
+  // A round trip on the window's own connection: the server has its last swap.
   const sf::Vector2u size = window.getSize();
   window.getPosition();
   sf::Image image;
   Display* p_display = XOpenDisplay(nullptr);
   if (p_display == nullptr) return image;
-  const auto previous_handler = XSetErrorHandler(ignoreXError);
   XImage* p_ximage =
       XGetImage(p_display, window.getSystemHandle(), 0, 0, size.x, size.y, AllPlanes, ZPixmap);
   if (p_ximage != nullptr) {
-    // The server's 24-bit true colour: red, green and blue bytes.
     image.create(size.x, size.y);
     for (unsigned int y = 0; y < size.y; y++) {
       for (unsigned int x = 0; x < size.x; x++) {
@@ -162,7 +141,6 @@ sf::Image captureWindow(const sf::Window& window) {
     }
     XDestroyImage(p_ximage);
   }
-  XSetErrorHandler(previous_handler);
   XCloseDisplay(p_display);
   return image;
 }

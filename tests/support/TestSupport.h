@@ -5,16 +5,12 @@
 
 namespace vt::test {
 
-// Starts this process's private X server (Xvfb, 1280x1024) on first use and
-// points DISPLAY at it; false when it could not start. The server stops at
-// exit, after SFML's own exit-time clean-up (SFML keeps its X connection
-// until then). Call it before creating any SFML window.
+// Starts this process's own X server (1280x1024) on first use and points
+// DISPLAY at it; false when it could not start. Call before any SFML window.
 bool startProcessXvfb();
 
-// Points the configuration at the test font, a headless flag and a log file
-// in a private temporary folder, and starts the log manager writing there,
-// one flushed line at a time. The destructor stops the log manager, puts the
-// log level and every setting back to default and removes the folder.
+// The test font, the headless flag and a flushed log in a temporary folder;
+// the destructor stops the log and puts every setting back.
 class TestConfig {
  public:
   explicit TestConfig(bool headless);
@@ -23,18 +19,16 @@ class TestConfig {
   TestConfig& operator=(const TestConfig&) = delete;
 
   const std::string& folder() const { return temp_folder; }
-  // Everything written to the log so far.
   std::string logText() const;
 
  private:
   std::string temp_folder;
 };
 
-// What the X server shows of the window now, read straight from the server
-// after the window's own requests (its last buffer swap) have reached it.
+// What the X server shows of the window after its last buffer swap.
 sf::Image captureWindow(const sf::Window& window);
 
-// How many pixels of two same-sized images differ; -1 when the sizes differ.
+// How many pixels of two images differ; -1 when their sizes differ.
 long countDifferentPixels(const sf::Image& a, const sf::Image& b);
 
 }  // namespace vt::test
