@@ -1,87 +1,177 @@
+#include "extras/NetworkManager.h"
+
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <climits>
+#include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
-#include "NetworkFixture.h"
 #include "core/Clock.h"
+#include "core/Config.h"
 #include "extras/EventNetwork.h"
-#include "extras/NetworkManager.h"
+#include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
 
-using nettest::frame;
-using nettest::RawPeer;
-using nettest::sizeField;
 using vt::NETWORK_ACCEPT;
 using vt::NETWORK_CLOSE;
 using vt::NETWORK_CONNECT;
 using vt::NETWORK_DATA;
+using Strings = std::vector<std::string>;
 
 namespace {
 
-class NetworkManagerTest : public nettest::NetworkFixture {
+// The four bytes announcing a message of this size, header included.
+std::string sizeField(int size) {
+  const auto field = static_cast<std::int32_t>(size);
+  return std::string(reinterpret_cast<const char*>(&field), sizeof(field));
+}
+
+std::string frame(const std::string& payload) {
+  return sizeField(static_cast<int>(payload.size()) + vt::MESSAGE_HEADER_SIZE) + payload;
+}
+
+// A plain TCP client on loopback, as a test's remote end.
+class RawPeer {
+ public:
+  explicit RawPeer(const std::string& port) : fd(socket(AF_INET, SOCK_STREAM, 0)) {
+    const auto port_number = static_cast<std::uint16_t>(std::stoi(port));
+    const sockaddr_in address{AF_INET, htons(port_number), {htonl(INADDR_LOOPBACK)}, {}};
+    if (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) close();
+  }
+  ~RawPeer() { close(); }
+  // Blocks until all of it is queued.
+  bool write(const std::string& bytes) const {
+    return send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL) == ssize_t(bytes.size());
+  }
+  bool sawClose() const {
+    pollfd poll_fd{fd, POLLIN, 0};
+    char byte = 0;
+    return poll(&poll_fd, 1, 0) > 0 && recv(fd, &byte, 1, MSG_PEEK | MSG_DONTWAIT) <= 0;
+  }
+  void close() {
+    if (fd >= 0) ::close(fd);
+    fd = -1;
+  }
+  // Closes with a reset instead of an orderly shutdown.
+  void reset() {
+    const linger abort_on_close{1, 0};
+    setsockopt(fd, SOL_SOCKET, SO_LINGER, &abort_on_close, sizeof(abort_on_close));
+    close();
+  }
+
+ private:
+  int fd;
+};
+
+// Networking on, serving on a free port, with an object receiving every
+// message it is told about; puts back what it changed in the singletons.
+class NetworkManagerTest : public testing::Test {
  protected:
+  NetworkManagerTest() {
+    vt::Config::getInstance().setNetworking(true);
+    network_manager.startUp();
+    auto* p_listener = new test::RecordingObject;
+    EXPECT_EQ(p_listener->registerInterest(vt::NETWORK_EVENT), 0);
+    p_listener->on_event = [this](const vt::Event* p_event) {
+      const auto& event = dynamic_cast<const vt::EventNetwork&>(*p_event);
+      events.emplace_back(event.getLabel(), event.getSocketIndex());
+      if (!reading || event.getLabel() != NETWORK_DATA) return;
+      std::string message(static_cast<std::size_t>(event.getBytes()), '\0');
+      network_manager.receive(event.getSocketIndex(), message.data(), event.getBytes());
+      payloads[event.getSocketIndex()].push_back(message.substr(vt::MESSAGE_HEADER_SIZE));
+    };
+    EXPECT_EQ(network_manager.setServer(true, "0"), 0);
+    port = network_manager.getServerPort();
+  }
+  ~NetworkManagerTest() override {
+    // closeAll() skips every other connection: close them one by one.
+    while (network_manager.getNumConnections() > 0) network_manager.close(0);
+    network_manager.shutDown();
+    network_manager.setMaxConnections(1);
+    vt::Config::getInstance().setNetworking(was_networking);
+  }
+
+  // Accepts count more raw clients, appended to peers.
+  void acceptPeers(int count) {
+    for (int i = 0; i < count; i++) {
+      const int connections = network_manager.getNumConnections() + 1;
+      network_manager.setMaxConnections(connections);
+      peers.push_back(std::make_unique<RawPeer>(port));
+      ASSERT_TRUE(pumpUntil([&] { return network_manager.getNumConnections() == connections; }));
+    }
+  }
+  // Runs the loop's network step until done() holds; false after 20 s.
+  bool pumpUntil(const std::function<bool()>& done) {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!done()) {
+      if (std::chrono::steady_clock::now() > limit) return false;
+      network_manager.processFrame(vt::Clock(), 33);
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+  }
+  int countLabel(int label) const {
+    return int(
+        std::count_if(events.begin(), events.end(), [&](auto e) { return e.first == label; }));
+  }
+  bool logged(const std::string& line) const {
+    return engine.logText().find(line) != std::string::npos;
+  }
   int sendText(int sock_index, const std::string& payload) {
     const std::string message = frame(payload);
     return network_manager.send(sock_index, message.data(), static_cast<int>(message.size()));
   }
+
+  test::HeadlessEngine engine;
+  const bool was_networking = vt::Config::getInstance().getNetworking();
+  vt::NetworkManager& network_manager = vt::NetworkManager::getInstance();
+  std::string port;
+  std::vector<std::unique_ptr<RawPeer>> peers;
+  // Label and connection of every network event, in order.
+  std::vector<std::pair<int, int>> events;
+  // Payloads received on each connection, in order.
+  std::map<int, Strings> payloads;
+  // Whether the listener receives each message it is told about.
+  bool reading = true;
 };
 
-int countOpenFiles() {
-  const std::filesystem::directory_iterator files("/proc/self/fd");
-  return static_cast<int>(std::distance(begin(files), end(files)));
-}
-
-// Message number i of a run, padded to the size it travels at.
-std::string numbered(int i, int size) {
-  std::string payload = std::to_string(i) + ":";
-  payload.resize(static_cast<std::size_t>(size - vt::MESSAGE_HEADER_SIZE), char('a' + i % 26));
-  return payload;
-}
-
-}  // namespace
-
 TEST_F(NetworkManagerTest, ServerAndClientInOneProcessExchangeMessagesOnce) {
-  serve();
   network_manager.setMaxConnections(2);
-  EXPECT_TRUE(network_manager.isServer());
   ASSERT_EQ(network_manager.connect("127.0.0.1", port), 0);
   ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_ACCEPT) == 1; }));
-  ASSERT_EQ(deliveries.size(), 2u);
-  EXPECT_EQ(deliveries[0].label, NETWORK_CONNECT);
-  EXPECT_EQ(deliveries[0].socket_index, 0);
-  EXPECT_EQ(deliveries[1].label, NETWORK_ACCEPT);
-  EXPECT_EQ(deliveries[1].socket_index, 1);
-
+  EXPECT_EQ(events, (std::vector<std::pair<int, int>>{{NETWORK_CONNECT, 0}, {NETWORK_ACCEPT, 1}}));
   ASSERT_EQ(sendText(0, "hello"), 0);
   ASSERT_EQ(sendText(1, "welcome, client"), 0);
   ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_DATA) == 2; }));
-  EXPECT_EQ(payloadsOn(1), std::vector<std::string>{"hello"});
-  EXPECT_EQ(payloadsOn(0), std::vector<std::string>{"welcome, client"});
   // Read messages are gone: further frames raise nothing new.
   for (int i = 0; i < 5; i++) network_manager.processFrame(vt::Clock(), 33);
-  EXPECT_EQ(countLabel(NETWORK_DATA), 2);
-  EXPECT_EQ(network_manager.isData(0), 0);
-  EXPECT_EQ(network_manager.isData(1), 0);
+  EXPECT_EQ(payloads, (std::map<int, Strings>{{0, {"welcome, client"}}, {1, {"hello"}}}));
+  EXPECT_EQ(network_manager.isData(0) + network_manager.isData(1), 0);
 }
 
 TEST_F(NetworkManagerTest, DataEventOnlyWhenTheWholeMessageWaitsAndPeekingKeepsIt) {
   acceptPeers(1);
   const std::string message = frame("abcdef");
   // Ten bytes in three pieces: no event until the last one is in.
-  for (const auto& [from, count] : {std::pair{0, 2}, {2, 7}}) {
+  for (const auto& [from, count] : {std::pair{0, 2}, {2, 7}, {9, 1}}) {
     ASSERT_TRUE(peers[0]->write(message.substr(from, count)));
     ASSERT_TRUE(pumpUntil([&] { return network_manager.isData(0) == from + count; }));
-    EXPECT_EQ(network_manager.genDataEvents(0), 0);
+    EXPECT_EQ(countLabel(NETWORK_DATA), 0);
   }
-  EXPECT_EQ(countLabel(NETWORK_DATA), 0);
-  ASSERT_TRUE(peers[0]->write(message.substr(9)));
-  ASSERT_TRUE(pumpUntil([&] { return network_manager.isData(0) == 10; }));
   std::string peeked(6, '\0');
   EXPECT_EQ(network_manager.receive(0, peeked.data(), 6, true), 6);
   EXPECT_EQ(peeked, message.substr(0, 6));
@@ -89,14 +179,13 @@ TEST_F(NetworkManagerTest, DataEventOnlyWhenTheWholeMessageWaitsAndPeekingKeepsI
   EXPECT_EQ(network_manager.receive(0, peeked.data(), -1), -1);
   EXPECT_EQ(network_manager.receive(0, peeked.data(), vt::MAX_MESSAGE_SIZE + 1), -1);
   EXPECT_EQ(network_manager.send(0, peeked.data(), -3), -1);
-  EXPECT_EQ(network_manager.isData(0), 10);
   EXPECT_EQ(network_manager.genDataEvents(0), 1);
-  EXPECT_EQ(deliveries.back().message, message);
   EXPECT_EQ(network_manager.genDataEvents(0), 0);
-  for (const char* line : {"NetworkManager::receive(): Error! Cannot receive -1 bytes (0 to "
-                           "32768 allowed).\n",
-                           "NetworkManager::receive(): Error! Cannot receive 32769 bytes",
-                           "NetworkManager::send(): Error! Cannot send -3 bytes"}) {
+  EXPECT_EQ(payloads[0], Strings{"abcdef"});
+  for (const char* line :
+       {"NetworkManager::receive(): Error! Cannot receive -1 bytes (0 to 32768 allowed).\n",
+        "NetworkManager::receive(): Error! Cannot receive 32769 bytes",
+        "NetworkManager::send(): Error! Cannot send -3 bytes"}) {
     EXPECT_TRUE(logged(line)) << line;
   }
 }
@@ -109,15 +198,13 @@ TEST_F(NetworkManagerTest, UnreadMessageIsAnnouncedAgainUntilTheBudgetEnds) {
   ASSERT_TRUE(pumpUntil([&] { return network_manager.isData(0) == int(burst.size()); }));
   // Read as announced: one frame takes all five and leaves nothing.
   EXPECT_EQ(network_manager.processFrame(vt::Clock(), 5000), 5);
-  EXPECT_EQ(payloadsOn(0).back(), "message 4");
+  EXPECT_EQ(payloads[0].back(), "message 4");
   EXPECT_FALSE(logged("Residual network data"));
-
   reading = false;
   ASSERT_TRUE(peers[0]->write(frame("nobody reads me")));
   ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_DATA) > 6; }));
   EXPECT_TRUE(logged("GameManager::run(): Warning! Residual network data.\n"));
-  // With no budget at all there is exactly one pass, and it is the same
-  // message again.
+  // With no budget at all there is exactly one pass, announcing it again.
   const int announced = countLabel(NETWORK_DATA);
   EXPECT_EQ(network_manager.processFrame(vt::Clock(), 0), 1);
   EXPECT_EQ(countLabel(NETWORK_DATA), announced + 1);
@@ -125,48 +212,36 @@ TEST_F(NetworkManagerTest, UnreadMessageIsAnnouncedAgainUntilTheBudgetEnds) {
 }
 
 TEST_F(NetworkManagerTest, FastPeerHasEveryMessageDeliveredInOrderThenItsClose) {
-  struct Run {
-    int size;
-    int count;
-  };
-  for (const Run run : {Run{vt::MAX_MESSAGE_SIZE, 300}, Run{1024, 10000}}) {
-    if (port.empty()) serve();
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      // Back to back as fast as the socket takes them, then hang up.
-      RawPeer peer(port);
-      for (int i = 0; i < run.count; i++) {
-        if (!peer.write(frame(numbered(i, run.size)))) _exit(1);
-      }
-      _exit(0);
+  // Messages of the largest size, numbered in their last four bytes.
+  const auto numbered = [](int i) { return std::string(32760, char('a' + i % 26)) + sizeField(i); };
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    // Back to back as fast as the socket takes them, then hang up.
+    RawPeer peer(port);
+    for (int i = 0; i < 300; i++) {
+      if (!peer.write(frame(numbered(i)))) _exit(1);
     }
-    deliveries.clear();
-    const bool closed = pumpUntil([&] { return countLabel(NETWORK_CLOSE) == 1; });
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
-    ASSERT_TRUE(closed) << run.size << "-byte messages: " << payloadsOn(0).size() << " of "
-                        << run.count << " arrived, then nothing";
-    const std::vector<std::string> payloads = payloadsOn(0);
-    ASSERT_EQ(int(payloads.size()), run.count) << run.size;
-    for (int i = 0; i < run.count; i++) ASSERT_EQ(payloads[i], numbered(i, run.size)) << i;
-    EXPECT_EQ(deliveries.back().label, NETWORK_CLOSE);
+    _exit(0);
   }
+  const bool closed = pumpUntil([&] { return countLabel(NETWORK_CLOSE) == 1; });
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  ASSERT_TRUE(closed) << payloads[0].size() << " of 300 arrived, then nothing";
+  ASSERT_EQ(payloads[0].size(), 300u);
+  for (int i = 0; i < 300; i++) ASSERT_EQ(payloads[0][i], numbered(i)) << i;
+  EXPECT_EQ(events.back().first, NETWORK_CLOSE);
 }
 
-TEST_F(NetworkManagerTest, ConnectionLimitRefusesTheSecondClient) {
-  serve();
+TEST_F(NetworkManagerTest, ConnectionLimitRefusesTheSecondClientAndOnlyAServerAccepts) {
   EXPECT_EQ(network_manager.getMaxConnections(), 1);
   EXPECT_EQ(network_manager.accept(), -1);
-  RawPeer first(port);
-  ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_ACCEPT) == 1; }));
+  acceptPeers(1);
   RawPeer second(port);
   ASSERT_TRUE(pumpUntil([&] { return second.sawClose(); }));
   EXPECT_EQ(network_manager.getNumConnections(), 1);
-  EXPECT_FALSE(first.sawClose());
-  // No longer a server: accepting is an error.
+  EXPECT_FALSE(peers[0]->sawClose());
   EXPECT_EQ(network_manager.setServer(false), 0);
-  EXPECT_FALSE(network_manager.isServer());
   EXPECT_EQ(network_manager.accept(), -2);
   EXPECT_TRUE(logged("NetworkManager::accept(): Error! Not setup as server."));
 }
@@ -174,43 +249,30 @@ TEST_F(NetworkManagerTest, ConnectionLimitRefusesTheSecondClient) {
 TEST_F(NetworkManagerTest, CloseRenumbersLaterConnectionsAndCloseAllSkipsEveryOther) {
   acceptPeers(3);
   EXPECT_EQ(network_manager.close(0), 0);
-  EXPECT_EQ(deliveries.back().label, NETWORK_CLOSE);
-  EXPECT_EQ(deliveries.back().socket_index, 0);
+  EXPECT_EQ(events.back(), std::pair(int(NETWORK_CLOSE), 0));
   ASSERT_TRUE(peers[1]->write(frame("from B")));
   ASSERT_TRUE(peers[2]->write(frame("from C")));
   ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_DATA) == 2; }));
-  EXPECT_EQ(payloadsOn(0), std::vector<std::string>{"from B"});
-  EXPECT_EQ(payloadsOn(1), std::vector<std::string>{"from C"});
+  EXPECT_EQ(payloads, (std::map<int, Strings>{{0, {"from B"}}, {1, {"from C"}}}));
   EXPECT_EQ(network_manager.close(2), -1);
   EXPECT_TRUE(logged("NetworkManager::close(): sock_index (2) out of range."));
-
   // Three again, then closeAll: the middle one stays open.
-  peers.push_back(std::make_unique<RawPeer>(port));
-  ASSERT_TRUE(pumpUntil([&] { return network_manager.getNumConnections() == 3; }));
+  acceptPeers(1);
   EXPECT_EQ(network_manager.closeAll(), 0);
   ASSERT_EQ(network_manager.getNumConnections(), 1);
   ASSERT_TRUE(pumpUntil([&] { return peers[1]->sawClose() && peers[3]->sawClose(); }));
   EXPECT_FALSE(peers[2]->sawClose());
-}
-
-TEST_F(NetworkManagerTest, PeerThatLeavesIsClosedAndSendingToItIsSafe) {
-  acceptPeers(1);
-  peers[0]->close();
-  // The first sends may still reach the kernel; a later one fails with the
-  // peer gone, reported instead of killing the process.
+  // Its peer gone, sending fails with the reason instead of killing the process.
+  peers[2]->close();
   int result = 0;
   for (int i = 0; i < 20 && result == 0; i++) result = sendText(0, "anyone there?");
   EXPECT_EQ(result, -1);
-  EXPECT_TRUE(logged("NetworkManager::send(): Error! send() returned:\n"));
   EXPECT_TRUE(logged("\t32 - Broken pipe") || logged("\t104 - Connection reset by peer"));
-  ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_CLOSE) == 1; }));
-  EXPECT_EQ(network_manager.getNumConnections(), 0);
 }
 
 TEST_F(NetworkManagerTest, MisuseAndFailuresAreRefusedWithTheirLogLines) {
   EXPECT_EQ(network_manager.startUp(), -1);
   // A port whose listener has just gone: connecting is refused.
-  serve();
   EXPECT_EQ(network_manager.setServer(false), 0);
   EXPECT_EQ(network_manager.connect("127.0.0.1", port), -1);
   EXPECT_EQ(network_manager.connect("127.0.0.1", "no-such-service"), -1);
@@ -218,15 +280,11 @@ TEST_F(NetworkManagerTest, MisuseAndFailuresAreRefusedWithTheirLogLines) {
   EXPECT_EQ(network_manager.send(0, buffer, 1), -1);
   EXPECT_EQ(network_manager.receive(0, buffer, 1), -1);
   EXPECT_EQ(network_manager.isData(3), -1);
-  EXPECT_FALSE(network_manager.isConnected(-1));
   // Every network event type is the network manager's to route.
   auto* p_object = new test::RecordingObject;
   for (const std::string& type :
        {vt::KEYBOARD_NETWORK_EVENT, vt::MOUSE_NETWORK_EVENT, vt::CUSTOM_NETWORK_EVENT}) {
     EXPECT_EQ(p_object->registerInterest(type), 0) << type;
-    vt::Event event;
-    event.setType(type);
-    EXPECT_EQ(network_manager.onEvent(&event), 1) << type;
   }
   EXPECT_FALSE(network_manager.isValid(vt::STEP_EVENT));
   for (const char* line : {
@@ -247,7 +305,10 @@ TEST_F(NetworkManagerTest, MisuseAndFailuresAreRefusedWithTheirLogLines) {
 // never moves it; none leaves a file open behind it.
 TEST_F(NetworkManagerTest, BadSizesAndCutMessagesCloseOnlyTheOffenderAfterItsWholeMessages) {
   acceptPeers(1);
-  const int open_files = countOpenFiles();
+  const auto open_files = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  };
+  const auto files_before = open_files();
   enum Ending { STAYS, CLOSES, RESETS };
   struct Case {
     std::string bytes;
@@ -270,15 +331,15 @@ TEST_F(NetworkManagerTest, BadSizesAndCutMessagesCloseOnlyTheOffenderAfterItsWho
        }) {
     acceptPeers(1);
     RawPeer& peer = *peers.back();
-    deliveries.clear();
+    events.clear();
+    payloads.clear();
     ASSERT_TRUE(peer.write(hostile_case.bytes));
     if (hostile_case.ending != STAYS) hostile_case.ending == CLOSES ? peer.close() : peer.reset();
     const std::string sent = "good after " + std::to_string(hostile_case.whole_messages);
     ASSERT_TRUE(peers[0]->write(frame(sent)));
-    ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_CLOSE) == 1 && !payloadsOn(0).empty(); }))
-        << hostile_case.bytes.size();
-    EXPECT_EQ(payloadsOn(1), std::vector<std::string>(hostile_case.whole_messages, "whole one"));
-    EXPECT_EQ(payloadsOn(0), std::vector<std::string>{sent});
+    ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_CLOSE) == 1 && payloads.count(0); }));
+    EXPECT_EQ(payloads[1], Strings(hostile_case.whole_messages, "whole one"));
+    EXPECT_EQ(payloads[0], Strings{sent});
     EXPECT_EQ(network_manager.getNumConnections(), 1);
     if (hostile_case.ending == STAYS) {
       EXPECT_TRUE(pumpUntil([&] { return peer.sawClose(); }));
@@ -287,5 +348,7 @@ TEST_F(NetworkManagerTest, BadSizesAndCutMessagesCloseOnlyTheOffenderAfterItsWho
     }
   }
   peers.resize(1);
-  EXPECT_EQ(countOpenFiles(), open_files);
+  EXPECT_EQ(open_files(), files_before);
 }
+
+}  // namespace
