@@ -26,8 +26,9 @@ static_assert(WINDOW_STYLE_FULLSCREEN == sf::Style::Fullscreen);
 const sf::Uint32 FIRST_PRELOADED_CHAR = 32;
 const sf::Uint32 LAST_PRELOADED_CHAR = 126;
 
-// A cell is a background quad and a glyph quad, two triangles each.
-const std::size_t VERTICES_PER_CELL = 12;
+// A quad is two triangles; a cell is a background quad and a glyph quad.
+const std::size_t VERTICES_PER_QUAD = 6;
+const std::size_t VERTICES_PER_CELL = 2 * VERTICES_PER_QUAD;
 
 // Mesa's software renderer (llvmpipe) spends more on one long draw than on
 // the same triangles in runs of a few hundred vertices: a full screen took
@@ -143,8 +144,9 @@ class CellBatch {
 
   void addGlyph(const Edges& quad, const Edges& tex, sf::Color color) {
     if (isOffScreen(quad)) return;
-    addQuad(quad, tex, color);
     const std::size_t index = glyph_edges.size();
+    glyph_quads.push_back({vertices.size()});
+    addQuad(quad, tex, color);
     glyph_edges.push_back(quad);
     glyph_stamps.push_back(0);
     forEachBucket(quad, [&](std::vector<std::size_t>& bucket) { bucket.push_back(index); });
@@ -161,6 +163,7 @@ class CellBatch {
     vertices.clear();
     glyph_edges.clear();
     glyph_stamps.clear();
+    glyph_quads.clear();
     stamp = 0;
     for (std::vector<std::size_t>& bucket : buckets) bucket.clear();
     plain_background = false;
@@ -173,7 +176,8 @@ class CellBatch {
   // The parts of the cell that earlier glyphs cover, each glyph once. What
   // is painted over is forgotten: many glyphs drawn into one cell (a heads-
   // up display drawn over itself) then cost one quad each, not one for every
-  // later background.
+  // later background. A glyph painted over whole is dropped with the quads
+  // that painted it: the plain background shows there either way.
   void addOverlaps(const Edges& cell, sf::Color color) {
     stamp++;
     forEachBucket(cell, [&](const std::vector<std::size_t>& bucket) {
@@ -182,10 +186,22 @@ class CellBatch {
         glyph_stamps[index] = stamp;
         const Edges overlap = cell.intersection(glyph_edges[index]);
         if (overlap.isEmpty()) continue;
+        glyph_quads[index].push_back(vertices.size());
         addQuad(overlap, WHITE_TEXEL, color);
         glyph_edges[index] = glyph_edges[index].outside(cell);
+        if (glyph_edges[index].isEmpty()) dropQuads(glyph_quads[index]);
       }
     });
+  }
+
+  // Collapses each quad to a point, which draws nothing.
+  void dropQuads(std::vector<std::size_t>& starts) {
+    for (const std::size_t start : starts) {
+      for (std::size_t i = start + 1; i < start + VERTICES_PER_QUAD; i++) {
+        vertices[i].position = vertices[start].position;
+      }
+    }
+    starts.clear();
   }
 
   // Two triangles, in the order sf::Text builds a glyph.
@@ -221,6 +237,8 @@ class CellBatch {
   std::vector<Edges> glyph_edges;
   // The last background query that met each glyph, so that it meets it once.
   std::vector<unsigned int> glyph_stamps;
+  // Where each glyph's quad and the quads painted over it start.
+  std::vector<std::vector<std::size_t>> glyph_quads;
   unsigned int stamp = 0;
   std::vector<std::vector<std::size_t>> buckets;
   bool plain_background = false;
