@@ -13,6 +13,7 @@ using vt::LogManager;
 TEST(LogManager, LineFormatAndLevels) {
   test::HeadlessEngine engine;
   LogManager& log_manager = LogManager::getInstance();
+  EXPECT_TRUE(log_manager.isStarted());
   EXPECT_EQ(log_manager.writeLog("plain %d", 7), 7);
   EXPECT_EQ(log_manager.writeLog(0, "level zero"), 10);
   EXPECT_EQ(log_manager.writeLog(1, "dropped"), 0);

@@ -266,6 +266,8 @@ TEST_F(GameFixture, TouchingTheHeroLoses) {
   auto* p_hero = new Hero;
   auto* p_bullet = new EnemyBullet(Vector(0, 0));
   collide(p_bullet, p_hero);
+  EXPECT_EQ(vt::ResourceManager::getInstance().getSound("game over")->getStatus(),
+            sf::SoundSource::Playing);
   EXPECT_EQ(countOf("GameOver"), 1);
   EXPECT_FALSE(static_cast<GameOver*>(firstOf("GameOver"))->getWin());
   world().update();
