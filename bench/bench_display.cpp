@@ -83,6 +83,48 @@ BENCHMARK(BM_ScreenFrame)
     ->UseRealTime()
     ->MinTime(3.0);
 
+// One frame per iteration: a bordered score line drawn over itself as many
+// times as there are score displays stacked in one place (the shooter adds
+// one each game).
+void BM_StackedScoreFrame(benchmark::State& state) {
+  if (!vt::test::startProcessXvfb()) {
+    state.SkipWithError("Xvfb did not start");
+    return;
+  }
+  vt::test::TestConfig config(false);
+  vt::DisplayManager& display_manager = vt::DisplayManager::getInstance();
+  if (display_manager.startUp() != 0) {
+    state.SkipWithError("the display manager did not start");
+    return;
+  }
+  const int stacked = static_cast<int>(state.range(0));
+  int frame = 0;
+  const double cpu_start = processCpuMilliseconds();
+  for (auto _ : state) {
+    for (int i = 0; i < stacked; i++) {
+      const std::string score = " Points " + std::to_string(1000 + i) + " ";
+      for (int row = 0; row < 3; row++) {
+        display_manager.drawString(vt::Vector(66, static_cast<float>(row)),
+                                   row == 1 ? score : std::string(score.size(), '-'),
+                                   vt::CENTER_JUSTIFIED, vt::YELLOW);
+      }
+    }
+    display_manager.swapBuffers();
+    frame++;
+  }
+  state.counters["process_cpu_ms"] =
+      benchmark::Counter((processCpuMilliseconds() - cpu_start) / frame);
+  display_manager.shutDown();
+}
+BENCHMARK(BM_StackedScoreFrame)
+    ->ArgName("stacked")
+    ->Arg(1)
+    ->Arg(100)
+    ->Arg(300)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->MinTime(2.0);
+
 }  // namespace
 
 BENCHMARK_MAIN();

@@ -52,18 +52,18 @@ struct Edges {
     return {std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),
             std::min(bottom, other.bottom)};
   }
-  // What is left of this rectangle outside cover, where that is one
-  // rectangle; the whole rectangle otherwise.
-  Edges outside(const Edges& cover) const {
-    Edges rest = *this;
-    if (cover.top <= top && cover.bottom >= bottom) {
-      if (cover.left <= left) rest.left = std::max(left, cover.right);
-      if (cover.right >= right) rest.right = std::min(right, cover.left);
-    } else if (cover.left <= left && cover.right >= right) {
-      if (cover.top <= top) rest.top = std::max(top, cover.bottom);
-      if (cover.bottom >= bottom) rest.bottom = std::min(bottom, cover.top);
+  // Appends what is left of this rectangle outside cover: itself, nothing,
+  // or up to four pieces around the part covered.
+  void subtract(const Edges& cover, std::vector<Edges>& rest) const {
+    const Edges inside = intersection(cover);
+    if (inside.isEmpty()) {
+      rest.push_back(*this);
+      return;
     }
-    return rest;
+    if (top < inside.top) rest.push_back({left, top, right, inside.top});
+    if (inside.bottom < bottom) rest.push_back({left, inside.bottom, right, bottom});
+    if (left < inside.left) rest.push_back({left, inside.top, inside.left, inside.bottom});
+    if (inside.right < right) rest.push_back({inside.right, inside.top, right, inside.bottom});
   }
 };
 
@@ -144,10 +144,10 @@ class CellBatch {
 
   void addGlyph(const Edges& quad, const Edges& tex, sf::Color color) {
     if (isOffScreen(quad)) return;
-    const std::size_t index = glyph_edges.size();
+    const std::size_t index = glyph_pieces.size();
     glyph_quads.push_back({vertices.size()});
     addQuad(quad, tex, color);
-    glyph_edges.push_back(quad);
+    glyph_pieces.push_back({quad});
     glyph_stamps.push_back(0);
     forEachBucket(quad, [&](std::vector<std::size_t>& bucket) { bucket.push_back(index); });
   }
@@ -161,7 +161,7 @@ class CellBatch {
       target.draw(vertices.data() + first, count, sf::Triangles, states);
     }
     vertices.clear();
-    glyph_edges.clear();
+    glyph_pieces.clear();
     glyph_stamps.clear();
     glyph_quads.clear();
     stamp = 0;
@@ -180,17 +180,28 @@ class CellBatch {
   // that painted it: the plain background shows there either way.
   void addOverlaps(const Edges& cell, sf::Color color) {
     stamp++;
-    forEachBucket(cell, [&](const std::vector<std::size_t>& bucket) {
+    forEachBucket(cell, [&](std::vector<std::size_t>& bucket) {
       for (std::size_t index : bucket) {
         if (glyph_stamps[index] == stamp) continue;
         glyph_stamps[index] = stamp;
-        const Edges overlap = cell.intersection(glyph_edges[index]);
-        if (overlap.isEmpty()) continue;
-        glyph_quads[index].push_back(vertices.size());
-        addQuad(overlap, WHITE_TEXEL, color);
-        glyph_edges[index] = glyph_edges[index].outside(cell);
-        if (glyph_edges[index].isEmpty()) dropQuads(glyph_quads[index]);
+        std::vector<Edges>& pieces = glyph_pieces[index];
+        unpainted.clear();
+        for (const Edges& piece : pieces) {
+          const Edges overlap = cell.intersection(piece);
+          if (!overlap.isEmpty()) {
+            glyph_quads[index].push_back(vertices.size());
+            addQuad(overlap, WHITE_TEXEL, color);
+          }
+          piece.subtract(cell, unpainted);
+        }
+        pieces.swap(unpainted);
+        if (pieces.empty()) dropQuads(glyph_quads[index]);
       }
+      // Glyphs painted over whole leave the bucket, so that a cell drawn
+      // over many times is not walked over all its past glyphs each time.
+      bucket.erase(std::remove_if(bucket.begin(), bucket.end(),
+                                  [&](std::size_t index) { return glyph_pieces[index].empty(); }),
+                   bucket.end());
     });
   }
 
@@ -234,7 +245,9 @@ class CellBatch {
   int rows;
   Edges window;
   std::vector<sf::Vertex> vertices;
-  std::vector<Edges> glyph_edges;
+  // The parts of each glyph not yet painted over.
+  std::vector<std::vector<Edges>> glyph_pieces;
+  std::vector<Edges> unpainted;
   // The last background query that met each glyph, so that it meets it once.
   std::vector<unsigned int> glyph_stamps;
   // Where each glyph's quad and the quads painted over it start.
@@ -376,9 +389,12 @@ int DisplayManager::drawCh(Vector world_pos, char ch, unsigned char r, unsigned 
   const Vector pixels = spacesToPixels(worldToView(world_pos));
   const float px = pixels.getX();
   const float py = pixels.getY();
-  const float left = px - charWidth() / 10;
-  const float top = py + charHeight() / 5;
-  p_cells->addBackground({left, top, left + charWidth(), top + charHeight()},
+  // The far edges are the near edges of the next cell, to the last bit, so
+  // that cells side by side leave no sliver between them.
+  const Vector far = spacesToPixels(worldToView(world_pos + Vector(1, 1)));
+  const float inset_x = charWidth() / 10;
+  const float inset_y = charHeight() / 5;
+  p_cells->addBackground({px - inset_x, py + inset_y, far.getX() - inset_x, far.getY() + inset_y},
                          window_background_color);
   const sf::Vector2f glyph_position(px + static_cast<float>(shake_x),
                                     py + static_cast<float>(shake_y));
