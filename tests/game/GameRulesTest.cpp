@@ -223,11 +223,21 @@ TEST_F(GameFixture, HeroMovesInsideItsBoundsAndFiresEveryFifthStep) {
     lowest_x = std::min(lowest_x, p_hero->getPosition().getX());
   }
   EXPECT_EQ(lowest_x, 4);
-  for (int i = 0; i < 100; i++) {
-    press(p_hero, vt::Keyboard::W, vt::KEY_DOWN);
-    step();
+  // Held keys stop one cell inside the bounds on every side.
+  const struct {
+    int key;
+    Vector end;
+  } HOLDS[] = {{vt::Keyboard::D, Vector(78, 20)},
+               {vt::Keyboard::S, Vector(78, 22)},
+               {vt::Keyboard::W, Vector(78, 4)},
+               {vt::Keyboard::A, Vector(4, 4)}};
+  for (const auto& hold : HOLDS) {
+    for (int i = 0; i < 200; i++) {
+      press(p_hero, hold.key, vt::KEY_DOWN);
+      step();
+    }
+    EXPECT_EQ(p_hero->getPosition(), hold.end) << hold.key;
   }
-  EXPECT_EQ(p_hero->getPosition().getY(), 4);
   // A press (not a hold) does not move.
   press(p_hero, vt::Keyboard::D);
   step(3);

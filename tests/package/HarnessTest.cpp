@@ -62,7 +62,9 @@ TEST(Harness, InputArrivesInTheLoopsOrderHeldInputRepeats) {
   harness.releaseKey(vt::Keyboard::SPACE);
   harness.releaseMouse(vt::Mouse::LEFT);
   harness.moveMouse(vt::Vector(7, 1));
-  harness.step();
+  // A condition met at once takes no step; one never met stops at the limit.
+  EXPECT_TRUE(harness.stepUntil([] { return true; }, 5));
+  EXPECT_FALSE(harness.stepUntil([] { return false; }, 1));
   EXPECT_EQ(p_recorder->seen, (std::vector<std::string>{
                                   "step 0", "key 0 0", "mouse 0 0 (5,3)", "key 0 36", "key 1 36",
                                   "mouse 1 0 (5,3)", "key 2 0", "step 1", "mouse 1 0 (5,3)",
