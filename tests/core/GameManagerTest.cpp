@@ -63,7 +63,11 @@ class GameManagerTest : public testing::Test {
 }  // namespace
 
 TEST_F(GameManagerTest, StartsAndStopsWithTheBanners) {
-  startWith("frame_time:10,\n");
+  startWith("frame_time:10,\nrandom_seed:5,\n");
+  // The configured seed makes the game's random numbers repeatable.
+  const int first_draw = std::rand();
+  std::srand(5);
+  EXPECT_EQ(first_draw, std::rand());
   EXPECT_TRUE(GameManager::getInstance().isStarted());
   EXPECT_EQ(GameManager::getInstance().getFrameTime(), 10);
   EXPECT_EQ(GameManager::getInstance().startUp(), -1);

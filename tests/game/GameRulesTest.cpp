@@ -191,6 +191,7 @@ TEST_F(GameFixture, GameOverClearsTheBoardAndReactivatesTheTitle) {
   EXPECT_EQ(countOf("Drelk"), 11);
 
   auto* p_over = new GameOver(false);
+  EXPECT_EQ(p_over->getPosition(), Vector(40, 12));
   world().update();
   for (const char* gone : {"Drelk", "Bullet", "ViewObject", "EnemyBullet", "Boss", "Hero"}) {
     EXPECT_EQ(countOf(gone), 0) << gone;

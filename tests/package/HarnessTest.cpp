@@ -92,6 +92,7 @@ TEST(Harness, AFailedStartSaysWhereAndTheHarnessRestoresTheSettingsItForces) {
   EXPECT_TRUE(vt::Config::getInstance().getHeadless());
   EXPECT_EQ(vt::WorldManager::getInstance().getBoundary().getHorizontal(), 40);
   harness.shutDown();
+  EXPECT_FALSE(vt::GameManager::getInstance().isStarted());
   EXPECT_EQ(std::string(std::getenv("VANTOR_CONFIG")), config_file);
   EXPECT_EQ(std::string(std::getenv("VANTOR_LOG")), log_file);
   EXPECT_FALSE(vt::Config::getInstance().getHeadless());
