@@ -47,19 +47,26 @@ int drawScreen(vt::DisplayManager& display_manager, int frame, int stride) {
   return drawn;
 }
 
+// Starts the display in a window on the process's X server; false, with the
+// benchmark marked skipped, when either does not start.
+bool startDisplay(benchmark::State& state, vt::DisplayManager& display_manager) {
+  if (!vt::test::startProcessXvfb()) {
+    state.SkipWithError("Xvfb did not start");
+    return false;
+  }
+  if (display_manager.startUp() != 0) {
+    state.SkipWithError("the display manager did not start");
+    return false;
+  }
+  return true;
+}
+
 // One frame per iteration: the screen's cells (every one, or every tenth as
 // in a sparse game scene) drawn, then the buffers swapped.
 void BM_ScreenFrame(benchmark::State& state) {
-  if (!vt::test::startProcessXvfb()) {
-    state.SkipWithError("Xvfb did not start");
-    return;
-  }
   vt::test::TestConfig config(false);
   vt::DisplayManager& display_manager = vt::DisplayManager::getInstance();
-  if (display_manager.startUp() != 0) {
-    state.SkipWithError("the display manager did not start");
-    return;
-  }
+  if (!startDisplay(state, display_manager)) return;
   const int stride = static_cast<int>(state.range(0));
   int frame = 0;
   int cells = 0;
@@ -87,16 +94,9 @@ BENCHMARK(BM_ScreenFrame)
 // times as there are score displays stacked in one place (the shooter adds
 // one each game).
 void BM_StackedScoreFrame(benchmark::State& state) {
-  if (!vt::test::startProcessXvfb()) {
-    state.SkipWithError("Xvfb did not start");
-    return;
-  }
   vt::test::TestConfig config(false);
   vt::DisplayManager& display_manager = vt::DisplayManager::getInstance();
-  if (display_manager.startUp() != 0) {
-    state.SkipWithError("the display manager did not start");
-    return;
-  }
+  if (!startDisplay(state, display_manager)) return;
   const int stacked = static_cast<int>(state.range(0));
   int frame = 0;
   const double cpu_start = processCpuMilliseconds();
