@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <string>
+#include <vector>
 
 #include "Setup.h"
 #include "core/EventStep.h"
@@ -34,19 +35,18 @@ class GameFixture : public testing::Test {
 
   static vt::WorldManager& world() { return vt::WorldManager::getInstance(); }
 
-  static int countOf(const std::string& type) {
-    int count = 0;
-    for (const vt::Object* p_object : world().getAllObjects(true)) {
-      count += p_object->getType() == type;
-    }
-    return count;
-  }
-
-  static vt::Object* firstOf(const std::string& type) {
+  // The objects of the type, in the order the world keeps them.
+  static std::vector<vt::Object*> allOf(const std::string& type) {
+    std::vector<vt::Object*> found;
     for (vt::Object* p_object : world().getAllObjects(true)) {
-      if (p_object->getType() == type) return p_object;
+      if (p_object->getType() == type) found.push_back(p_object);
     }
-    return nullptr;
+    return found;
+  }
+  static int countOf(const std::string& type) { return static_cast<int>(allOf(type).size()); }
+  static vt::Object* firstOf(const std::string& type) {
+    const std::vector<vt::Object*> found = allOf(type);
+    return found.empty() ? nullptr : found.front();
   }
 
   // One game step without a window: step events, then the world update.

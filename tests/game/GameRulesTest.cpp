@@ -333,3 +333,57 @@ TEST_F(GameFixture, ScoreTicksStarsWrapTheReticleFollowsAndExplosionsFade) {
   step();
   EXPECT_EQ(countOf("Explosion"), 0);
 }
+
+TEST_F(GameFixture, ShotsLeaveBothGunsAndAreGoneOnceOffTheBoard) {
+  auto* p_hero = new Hero;
+  vt::EventMouse held;
+  held.setMouseAction(vt::PRESSED);
+  held.setMouseButton(vt::Mouse::LEFT);
+  step(5);
+  p_hero->eventHandler(&held);
+  const std::vector<vt::Object*> shots = allOf("Bullet");
+  ASSERT_EQ(shots.size(), 2u);
+  for (int i = 0; i < 2; i++) {
+    EXPECT_EQ(shots[i]->getPosition(), p_hero->getPosition() + Vector(i == 0 ? 0.5f : -0.5f, 0));
+    EXPECT_EQ(shots[i]->getVelocity(), Vector(0, -1.2f));
+  }
+  auto* p_enemy_shot = new EnemyBullet(Vector(10, 18));
+  EXPECT_EQ(p_enemy_shot->getPosition(), Vector(13, 18));
+  p_enemy_shot->setVelocity(Vector(0, 1));
+  step(30);
+  EXPECT_EQ(countOf("Bullet") + countOf("EnemyBullet"), 0);
+}
+
+TEST_F(GameFixture, EachScreenPlaysItsOwnMusicAndTheNukeCounterCountsDown) {
+  vt::ResourceManager& resources = vt::ResourceManager::getInstance();
+  const auto playing = [&resources](const char* label) {
+    return resources.getMusic(label)->getStatus() == sf::SoundSource::Playing;
+  };
+  auto* p_title = new GameStart;
+  EXPECT_TRUE(playing("start music"));
+  press(p_title, vt::Keyboard::P);
+  EXPECT_FALSE(playing("start music"));
+  EXPECT_TRUE(playing("InGameBGM"));
+  const auto nuke_counter = [] {
+    for (vt::Object* p_object : allOf("ViewObject")) {
+      const auto* p_view = static_cast<vt::ViewObject*>(p_object);
+      if (p_view->getViewString() == "WIPE: ") return p_view->getValue();
+    }
+    return -1;
+  };
+  EXPECT_EQ(nuke_counter(), 5);
+  press(firstOf("Hero"), vt::Keyboard::SPACE);
+  EXPECT_EQ(nuke_counter(), 4);
+  pointsDisplay()->setValue(2000);
+  step();
+  EXPECT_TRUE(playing("Boss1BattleBGM"));
+  EXPECT_FALSE(playing("InGameBGM"));
+  EXPECT_EQ(countOf("Drelk"), 0);
+  auto* p_over = new GameOver(true);
+  EXPECT_TRUE(playing("VictoryBGM"));
+  world().update();
+  EXPECT_FALSE(playing("Boss1BattleBGM"));
+  step(p_over->getTimeToLive());
+  EXPECT_FALSE(playing("VictoryBGM"));
+  EXPECT_TRUE(playing("start music"));
+}
