@@ -94,6 +94,7 @@ TEST(SceneGraph, ListsFollowTheObjectsAttributes) {
       {[&] { p->setActive(false); }, false, false, false, false, false},
       {[&] { p->setSolidness(vt::SPECTRAL); }, false, false, false, false, false},
       {[&] { p->setActive(true); }, true, false, false, true, true},
+      {[&] { p->setSolidness(vt::HARD); }, true, true, false, true, true},
   };
   int index = 0;
   for (const auto& step : steps) {
