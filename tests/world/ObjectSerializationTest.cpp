@@ -27,6 +27,7 @@ TEST(ObjectSerialization, WritesEveryGroupOnceThenOnlyWhatChangedOrWasNamed) {
   p_object->setAltitude(2);
   p_object->setPosition(Vector(1, 1));
   EXPECT_EQ(p_object->serialize(), "");
+  EXPECT_FALSE(p_object->isModified(vt::POSITION));
   EXPECT_EQ(p_object->serialize("ALL"), everything);
   p_object->setVelocity(Vector(0, -3));
   p_object->setDirection(Vector(0.5f, 0.25f));

@@ -130,8 +130,8 @@ TEST(WorldManager, DeletionWaitsForTheEndOfTheStep) {
   auto* p_late = makeObject(Vector(6, 5), vt::HARD, Vector(-1, 0));
   p_killer->on_event = [&](const vt::Event*) {
     // Marking twice, and marking the other party, are both safe.
-    world.markForDelete(p_victim);
-    world.markForDelete(p_victim);
+    EXPECT_EQ(world.markForDelete(p_victim), 0);
+    EXPECT_EQ(world.markForDelete(p_victim), 0);
     world.markForDelete(p_killer);
   };
   world.update();
