@@ -130,7 +130,7 @@ TEST_F(PathFindTest, PathsAreCheapestAndEndWithoutAPathWhenThereIsNone) {
   EXPECT_TRUE(found > 5 && unreachable > 5) << found << " found, " << unreachable << " not";
 }
 
-TEST_F(PathFindTest, SearchesOutsideTheWorldFailAndTheGoalsOccupantDoesNotBlock) {
+TEST_F(PathFindTest, SearchesOutsideTheWorldOrTooBigFailAndTheGoalsOccupantDoesNotBlock) {
   makeWall(3, 3);
   auto* p_seeker = new Seeker(Vector(3, 4));
   p_seeker->pathTo(Vector(10, 20.5f));
