@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-#include <map>
 #include <memory>
 #include <vector>
 
@@ -194,7 +193,7 @@ TEST(PathInRunningWorld, AnObjectWalksRoundAWallToItsGoal) {
   auto* p_walker = new Seeker(Vector(10, 5));
   p_walker->setSpeed(1);
   p_walker->pathTo(Vector(70, 5));
-  harness.step();
+  ASSERT_TRUE(harness.stepUntil([&] { return !p_walker->statuses.empty(); }, 100));
   ASSERT_EQ(p_walker->statuses, std::vector<int>{vt::PATH_FOUND});
   const std::list<Vector> path = p_walker->getPath();
   EXPECT_TRUE(std::any_of(path.begin(), path.end(), [](Vector at) { return at.getY() >= 20; }));
