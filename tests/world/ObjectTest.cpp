@@ -1,117 +1,38 @@
 #include <gtest/gtest.h>
 
-#include "core/LogManager.h"
+#include <functional>
+
 #include "extras/NetworkManager.h"
 #include "support/HeadlessEngine.h"
-#include "support/RecordingObject.h"
-#include "world/Object.h"
+#include "world/SceneGraph.h"
 #include "world/WorldManager.h"
 
-using test::RecordingObject;
 using vt::Vector;
 
-TEST(Object, DefaultsAndIds) {
+TEST(Object, IdsAreUniqueAndFindTheirObject) {
   test::HeadlessEngine engine;
-  auto* p_object = new vt::Object;
-  EXPECT_EQ(p_object->getType(), "(Undefined)");
-  EXPECT_EQ(p_object->getPosition(), Vector(1, 1));
-  EXPECT_EQ(p_object->getBox(), vt::Box(Vector(-0.5f, -0.5f), 0.99f, 0.99f));
-  EXPECT_EQ(p_object->getAltitude(), 2);
-  EXPECT_EQ(p_object->getSolidness(), vt::HARD);
-  EXPECT_TRUE(p_object->isActive());
-  EXPECT_TRUE(p_object->isVisible());
-  for (int i = 0; i < vt::ATTRIBUTE_COUNT; i++) EXPECT_TRUE(p_object->isModified(i));
-
+  auto* p_first = new vt::Object;
   auto* p_next = new vt::Object;
-  EXPECT_EQ(p_next->getId(), p_object->getId() + 1);
+  EXPECT_EQ(p_next->getId(), p_first->getId() + 1);
   const int later_id = p_next->getId() + 50;
   p_next->setId(later_id);
   EXPECT_EQ((new vt::Object)->getId(), later_id + 1);
   EXPECT_EQ(vt::WorldManager::getInstance().objectWithId(later_id), p_next);
 }
 
-namespace {
-
-// Opens the modified flags to the test.
-struct FlagProbe : vt::Object {
-  using vt::Object::setModified;
-};
-
-}  // namespace
-
-TEST(Object, SettersRaiseTheirFlagsOnlyOnChange) {
+TEST(Object, EventRegistrationKeepsOrderAndLimitAndEndsWithTheObject) {
   test::HeadlessEngine engine;
-  auto* p_object = new FlagProbe;
-  for (int i = 0; i < vt::ATTRIBUTE_COUNT; i++) p_object->setModified(i, false);
-  EXPECT_FALSE(p_object->isModified());
-
-  EXPECT_EQ(p_object->setAltitude(2), 0);
-  EXPECT_EQ(p_object->setPosition(Vector(1, 1)), 0);
-  EXPECT_EQ(p_object->setSolidness(vt::HARD), 0);
-  EXPECT_FALSE(p_object->isModified());
-
-  // Speed raises DIRECTION, not SPEED; setDirection raises nothing and is
-  // stored as given.
-  p_object->setSpeed(2.0f);
-  EXPECT_TRUE(p_object->isModified(vt::DIRECTION));
-  EXPECT_FALSE(p_object->isModified(vt::SPEED));
-  p_object->setDirection(Vector(3, 4));
-  EXPECT_EQ(p_object->getDirection(), Vector(3, 4));
-  EXPECT_FALSE(p_object->isModified(vt::SPEED));
-  p_object->setVelocity(Vector(0, -3));
-  EXPECT_TRUE(p_object->isModified(vt::SPEED));
-  EXPECT_FLOAT_EQ(p_object->getSpeed(), 3);
-  EXPECT_EQ(p_object->getDirection(), Vector(0, -1));
-  EXPECT_EQ(p_object->predictPosition(), Vector(1, -2));
-  // A velocity always sets both speed and direction, even one equal to the
-  // current direction times speed.
-  p_object->setDirection(Vector(1, 0));
-  p_object->setSpeed(0);
-  p_object->setVelocity(Vector(0, 0));
-  EXPECT_TRUE(p_object->getDirection().isZero());
-
-  EXPECT_EQ(p_object->setAltitude(0), 0);
-  EXPECT_EQ(p_object->setAltitude(4), 0);
-  EXPECT_EQ(p_object->setAltitude(5), -1);
-  EXPECT_EQ(p_object->setAltitude(-1), -1);
-  EXPECT_EQ(p_object->getAltitude(), 4);
-  EXPECT_EQ(p_object->setSolidness(static_cast<vt::Solidness>(7)), -1);
-  const std::string log = engine.logText();
-  EXPECT_NE(log.find("Object::setAltitude(): Altitude 5 not in range [0,4].  Ignored."),
-            std::string::npos);
-  EXPECT_NE(log.find("Object::setSolidness(): Solidness 7 not one of HARD, SOFT or SPECTRAL."),
-            std::string::npos);
-}
-
-TEST(Object, EventRegistrationKeepsOrderAndLimit) {
-  test::HeadlessEngine engine;
-  auto* p_object = new RecordingObject;
-  ASSERT_EQ(p_object->registerInterest("a"), 0);
-  ASSERT_EQ(p_object->registerInterest("b"), 0);
-  ASSERT_EQ(p_object->registerInterest("c"), 0);
+  auto* p_object = new vt::Object;
+  for (const char* name : {"a", "b", "c"}) ASSERT_EQ(p_object->registerInterest(name), 0);
   ASSERT_EQ(p_object->unregisterInterest("b"), 0);
-  EXPECT_EQ(p_object->getEventCount(), 2);
-  EXPECT_EQ(p_object->getEventName(0), "a");
-  EXPECT_EQ(p_object->getEventName(1), "c");
   EXPECT_EQ(p_object->unregisterInterest("b"), -1);
+  EXPECT_EQ(p_object->serialize("EVENTS,"), "event_count:2,event_name[0]:a,event_name[1]:c,");
   // Collision events arrive without registration; the world refuses them.
   EXPECT_EQ(p_object->registerInterest(vt::COLLISION_EVENT), -1);
-
-  for (int i = 2; i < vt::MAX_OBJ_EVENTS; i++) {
-    ASSERT_EQ(p_object->registerInterest("e" + std::to_string(i)), 0);
-  }
+  for (int i = 2; i < vt::MAX_OBJ_EVENTS; i++) p_object->registerInterest("e" + std::to_string(i));
   EXPECT_EQ(p_object->registerInterest("one too many"), -1);
-  const std::string log = engine.logText();
-  EXPECT_NE(log.find("Object::unregisterInterest(): event 'b' not previously registered"),
-            std::string::npos);
-  EXPECT_NE(log.find("WorldManager::isValid(): Event vt-collision handled automatically."),
-            std::string::npos);
-  EXPECT_NE(log.find("Object::registerInterest(): maximum (100) reached, cannot register for "
-                     "event 'one too many'"),
-            std::string::npos);
-
-  // Deleting the object unregisters it everywhere, from the network manager
-  // too.
+  EXPECT_EQ(p_object->getEventCount(), vt::MAX_OBJ_EVENTS);
+  // Deleting the object unregisters it everywhere, the network manager too.
   ASSERT_EQ(p_object->unregisterInterest("c"), 0);
   ASSERT_EQ(p_object->registerInterest(vt::CUSTOM_NETWORK_EVENT), 0);
   vt::WorldManager::getInstance().markForDelete(p_object);
@@ -123,39 +44,66 @@ TEST(Object, EventRegistrationKeepsOrderAndLimit) {
   EXPECT_EQ(vt::NetworkManager::getInstance().onEvent(&event), 0);
 }
 
-TEST(Object, FollowsAPathConsumingCloseWaypoints) {
-  test::HeadlessEngine engine;
-  auto* p_object = new vt::Object;
-  p_object->setSolidness(vt::SPECTRAL);
-  p_object->setPosition(Vector(0, 0));
-  p_object->setSpeed(2.0f);
-  // The first two waypoints are within 0.75 x speed of each other.
-  p_object->setPath({Vector(1, 0), Vector(2, 0), Vector(2, 6)});
-  p_object->setFollowPath(true);
-  EXPECT_EQ(p_object->getDirection(), Vector(1, 0));
-  p_object->stepPath();
-  EXPECT_EQ(p_object->getPosition(), Vector(2, 0));
-  EXPECT_EQ(p_object->getPath().size(), 1u);
-  EXPECT_EQ(p_object->getDirection(), Vector(0, 1));
-
-  for (int step = 0; step < 5 && p_object->getFollowPath(); step++) {
-    vt::WorldManager::getInstance().update();
+// Each step the object moves by its velocity, then jumps to every waypoint
+// within three quarters of its speed and turns towards the next one.
+TEST(Object, FollowsItsPathTakingCloseWaypointsAtOnce) {
+  const struct {
+    float speed;
+    std::vector<Vector> after;
+  } cases[] = {{1, {{1, 0}, {2, 0}, {2, 1}, {2, 2}, {2, 3}}}, {2, {{2, 0}, {2, 3}}}, {4, {{2, 3}}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.speed);
+    test::HeadlessEngine engine;
+    auto* p_object = new vt::Object;
+    p_object->setPosition(Vector(0, 0));
+    p_object->setSpeed(c.speed);
+    p_object->setPath({Vector(1, 0), Vector(2, 0), Vector(2, 3)});
+    p_object->setFollowPath(true);
+    EXPECT_EQ(p_object->getDirection(), Vector(1, 0));
+    for (const Vector& expected : c.after) {
+      EXPECT_TRUE(p_object->getFollowPath());
+      vt::WorldManager::getInstance().update();
+      EXPECT_EQ(p_object->getPosition(), expected);
+    }
+    EXPECT_FALSE(p_object->getFollowPath());
+    EXPECT_TRUE(p_object->getDirection().isZero());
+    EXPECT_TRUE(p_object->getPath().empty());
   }
-  EXPECT_EQ(p_object->getPosition(), Vector(2, 6));
-  EXPECT_FALSE(p_object->getFollowPath());
-  EXPECT_TRUE(p_object->getDirection().isZero());
 }
 
-TEST(Object, AccelerationChangesVelocityAfterTheMove) {
+// After each change the object is in exactly the lists its attributes call
+// for; inactive objects leave every list but the inactive one and come back
+// with the attributes changed meanwhile.
+TEST(SceneGraph, ListsFollowTheObjectsAttributes) {
   test::HeadlessEngine engine;
-  auto* p_object = new vt::Object;
-  p_object->setSolidness(vt::SPECTRAL);
-  p_object->setPosition(Vector(0, 0));
-  p_object->setAcceleration(Vector(0, 1));
-  vt::WorldManager::getInstance().update();
-  EXPECT_EQ(p_object->getPosition(), Vector(0, 0));
-  EXPECT_EQ(p_object->getVelocity(), Vector(0, 1));
-  vt::WorldManager::getInstance().update();
-  EXPECT_EQ(p_object->getPosition(), Vector(0, 1));
-  EXPECT_FLOAT_EQ(p_object->getSpeed(), 2);
+  vt::SceneGraph& graph = vt::WorldManager::getInstance().getSceneGraph();
+  auto* p = new vt::Object;
+  p->setType("ship");
+  const struct {
+    std::function<void()> change;
+    bool active, solid, visible_at_2, visible_at_4, ship;
+  } steps[] = {
+      {[] {}, true, true, true, false, true},
+      {[&] { p->setSolidness(vt::SPECTRAL); }, true, false, true, false, true},
+      {[&] { p->setSolidness(vt::SOFT); }, true, true, true, false, true},
+      {[&] { p->setAltitude(0); }, true, true, false, false, true},
+      {[&] { p->setAltitude(4); }, true, true, false, true, true},
+      {[&] { p->setVisible(false); }, true, true, false, false, true},
+      {[&] { p->setVisible(true); }, true, true, false, true, true},
+      {[&] { p->setActive(false); }, false, false, false, false, false},
+      {[&] { p->setSolidness(vt::SPECTRAL); }, false, false, false, false, false},
+      {[&] { p->setActive(true); }, true, false, false, true, true},
+      {[&] { p->setSolidness(vt::HARD); }, true, true, false, true, true},
+  };
+  int index = 0;
+  for (const auto& step : steps) {
+    SCOPED_TRACE(index++);
+    step.change();
+    EXPECT_EQ(graph.activeObjects().contains(p), step.active);
+    EXPECT_EQ(graph.inactiveObjects().contains(p), !step.active);
+    EXPECT_EQ(graph.solidObjects().contains(p), step.solid);
+    EXPECT_EQ(graph.visibleObjects(2).contains(p), step.visible_at_2);
+    EXPECT_EQ(graph.visibleObjects(4).contains(p), step.visible_at_4);
+    EXPECT_EQ(graph.objectsOfType("ship").contains(p), step.ship);
+  }
 }
