@@ -52,27 +52,14 @@ class GameManagerTest : public testing::Test {
 
 }  // namespace
 
-TEST_F(GameManagerTest, StartsAndStopsWithTheBannersAndTheConfiguredSeed) {
-  startWith("frame_time:10,\nrandom_seed:5,\n");
+TEST_F(GameManagerTest, StepsAreCountedAndGameOverFinishesTheIteration) {
+  // A frame time of 0 runs flat out, without warnings.
+  startWith("frame_time:0,\nrandom_seed:5,\n");
+  // The configured seed makes the random numbers repeatable.
   const int first_draw = std::rand();
   std::srand(5);
   EXPECT_EQ(first_draw, std::rand());
-  EXPECT_EQ(GameManager::getInstance().getFrameTime(), 10);
   EXPECT_EQ(GameManager::getInstance().startUp(), -1);
-  const std::string log = stopAndReadLog();
-  const std::string stars(52, '*');
-  EXPECT_NE(log.find(" " + stars + "\n"), std::string::npos);
-  EXPECT_NE(log.find(" ** Vantor version 4.17 **\n"), std::string::npos);
-  EXPECT_NE(log.find(" ** Game engine started **\n"), std::string::npos);
-  EXPECT_NE(log.find("GameManager::startup(): Warning! GameManager already started."),
-            std::string::npos);
-  ASSERT_GE(log.size(), 26u);
-  EXPECT_EQ(log.substr(log.size() - 26), "** Game engine stopped **\n");
-}
-
-TEST_F(GameManagerTest, StepsAreCountedAndGameOverFinishesTheIteration) {
-  // A frame time of 0 runs flat out, without warnings.
-  startWith("frame_time:0,\n");
   RecordingObject* p_object = onSteps(4);
   p_object->setSolidness(vt::SPECTRAL);
   p_object->setVelocity(vt::Vector(1, 0));
@@ -84,7 +71,9 @@ TEST_F(GameManagerTest, StepsAreCountedAndGameOverFinishesTheIteration) {
   // The world was updated in the iteration that set game over too.
   EXPECT_FLOAT_EQ(p_object->getPosition().getX(), start_x + 5);
   EXPECT_EQ(GameManager::getInstance().getStepCount(), 5);
-  EXPECT_EQ(stopAndReadLog().find("Can't keep up"), std::string::npos);
+  const std::string log = stopAndReadLog();
+  EXPECT_EQ(log.find("Can't keep up"), std::string::npos);
+  EXPECT_EQ(log.rfind("** Game engine stopped **\n"), log.size() - 26);
 }
 
 // Frames are slept out: five of 20 ms take no less than 80 ms (and far
@@ -96,23 +85,19 @@ TEST_F(GameManagerTest, TheLoopSleepsOutEachFrame) {
   GameManager::getInstance().run();
   EXPECT_GE(ended - started, std::chrono::milliseconds(80));
   EXPECT_LT(ended - started, std::chrono::seconds(10));
-  EXPECT_EQ(stopAndReadLog().find("Can't keep up"), std::string::npos);
 }
 
 TEST_F(GameManagerTest, LateFramesAreReportedButNeverOnTheFirstStep) {
   startWith("frame_time:10,\n");
-  // Steps 0 to 3 overrun the frame; no frame before them slept, so there is
-  // no oversleep to forgive.
+  // Steps 0 to 3 overrun the frame, with no oversleep before them to forgive.
   onSteps(3, [](int) { std::this_thread::sleep_for(std::chrono::milliseconds(25)); });
   GameManager::getInstance().run();
   const std::string log = stopAndReadLog();
-  const std::regex late(
-      " +([0-9]+) GameManager::run\\(\\): Can't keep up! frame_time 10 ms, split [0-9]+ ms\n");
-  std::vector<std::string> late_steps;
-  for (std::sregex_iterator it(log.begin(), log.end(), late), end; it != end; ++it) {
-    late_steps.push_back((*it)[1]);
-  }
-  EXPECT_EQ(late_steps, (std::vector<std::string>{"1", "2", "3"}));
+  const std::regex late(" ([0-9]) GameManager::run\\(\\): Can't keep up! frame_time 10 ms");
+  std::string late_steps;
+  for (std::sregex_iterator it(log.begin(), log.end(), late), end; it != end; ++it)
+    late_steps += (*it)[1];
+  EXPECT_EQ(late_steps, "123");
 }
 
 TEST_F(GameManagerTest, StartUpFailsWhenTheLogCannotBeOpened) {
@@ -122,9 +107,8 @@ TEST_F(GameManagerTest, StartUpFailsWhenTheLogCannotBeOpened) {
   EXPECT_EQ(GameManager::getInstance().startUp(), -1);
   EXPECT_FALSE(vt::LogManager::getInstance().isStarted());
   GameManager::getInstance().shutDown();
-  const std::string errors = testing::internal::GetCapturedStderr();
-  EXPECT_NE(errors.find("LogManager::startup(): Warning! Unable to open file "
-                        "'/nonexistent/dir/vantor.log'.\n"),
-            std::string::npos);
-  EXPECT_NE(errors.find("Error starting log manager!"), std::string::npos);
+  EXPECT_NE(
+      testing::internal::GetCapturedStderr().find(
+          "LogManager::startup(): Warning! Unable to open file '/nonexistent/dir/vantor.log'."),
+      std::string::npos);
 }

@@ -1,0 +1,195 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+#include "core/Config.h"
+#include "core/EventStep.h"
+#include "core/GameManager.h"
+#include "extras/Particle.h"
+#include "extras/Particles.h"
+#include "extras/Pause.h"
+#include "extras/Splash.h"
+#include "media/DisplayManager.h"
+#include "media/EventKeyboard.h"
+#include "media/InputManager.h"
+#include "support/HeadlessEngine.h"
+#include "support/RecordingObject.h"
+#include "support/TestSupport.h"
+#include "world/WorldManager.h"
+
+using vt::GameManager;
+using vt::Vector;
+using vt::WorldManager;
+
+namespace {
+
+const vt::EventKeyboard& keyEvent(int key) {
+  static vt::EventKeyboard event;
+  event.setKey(key);
+  event.setKeyboardAction(vt::KEY_PRESSED);
+  return event;
+}
+
+int countOf(const std::string& type) {
+  return WorldManager::getInstance().objectsOfType(type).getCount();
+}
+
+// Sends one step to every step listener and updates the world.
+void runSteps(int count) {
+  for (int i = 0; i < count; i++) {
+    const vt::EventStep step(i);
+    GameManager::getInstance().onEvent(&step);
+    WorldManager::getInstance().update();
+  }
+}
+
+// The engine started headless through the game manager, with frames that
+// take no time.
+class SplashTest : public testing::Test {
+ protected:
+  void startEngine() {
+    const std::string directory = test::makeTempDir();
+    std::ofstream(directory + "/config.txt")
+        << "headless:true,\nframe_time:0,\nlogfile:" << directory << "/vantor.log,\n";
+    setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
+    ASSERT_EQ(GameManager::getInstance().startUp(), 0);
+  }
+  void TearDown() override {
+    GameManager::getInstance().shutDown();
+    test::restoreEngineSettings();
+  }
+};
+
+}  // namespace
+
+// Played to its end or skipped by a key at some step, the splash leaves no
+// object behind.
+TEST_F(SplashTest, LeavesNothingBehindWhetherPlayedOutOrSkipped) {
+  EXPECT_EQ(vt::splash(), -1);
+  startEngine();
+  int key_step = -1;
+  auto* p_player = new test::RecordingObject;
+  p_player->registerInterest(vt::STEP_EVENT);
+  p_player->on_event = [&](const vt::Event*) {
+    if (p_player->steps.back() == key_step) vt::InputManager::getInstance().onEvent(&keyEvent(0));
+  };
+  for (const auto& [key, steps] : {std::pair{-1, 90}, {3, 4}, {40, 41}}) {
+    key_step = key;
+    EXPECT_EQ(vt::splash(), 0);
+    EXPECT_EQ(GameManager::getInstance().getStepCount(), steps) << key;
+    EXPECT_EQ(countOf("Splash") + countOf("SplashVantor"), 0) << key;
+  }
+}
+
+// The banner comes to rest left of the centre in 15 steps; the emblem then
+// rises beside it from below the view to its row in 30 steps and stays.
+TEST_F(SplashTest, TheBannerSlidesInAndTheEmblemRisesBesideIt) {
+  startEngine();
+  auto* p_banner = new vt::Splash;
+  const float width = WorldManager::getInstance().getView().getHorizontal();
+  vt::Vector target;
+  for (int step = 0; step < 50; step++) {
+    const vt::EventStep step_event(step);
+    GameManager::getInstance().onEvent(&step_event);
+    if (step == 14) {
+      EXPECT_EQ(p_banner->getVelocity(), vt::Vector());
+      EXPECT_LT(p_banner->getPosition().getX(), width / 2);
+      EXPECT_GT(p_banner->getPosition().getX(), width / 2 - 24);
+      ASSERT_EQ(countOf("SplashVantor"), 1);
+      target = p_banner->getPosition() + vt::Vector(24, 1);
+    }
+    WorldManager::getInstance().update();
+  }
+  const vt::Object* p_emblem = WorldManager::getInstance().objectsOfType("SplashVantor")[0];
+  EXPECT_NEAR((p_emblem->getPosition() - target).getMagnitude(), 0, 0.01);
+  EXPECT_EQ(p_emblem->getVelocity(), vt::Vector());
+}
+
+// Without a window the game goes on. With one, it is held inside the pause
+// key's handler until a key is pressed there; other keys and focus events
+// go through at once.
+TEST(Pause, ItsKeyHoldsTheGameUntilTheNextKeyPress) {
+  ASSERT_TRUE(vt::test::startProcessXvfb());
+  vt::test::TestConfig config(false);
+  ASSERT_EQ(WorldManager::getInstance().startUp(), 0);
+  auto* p_pause = new vt::Pause(vt::Keyboard::F10);
+  EXPECT_EQ(p_pause->eventHandler(&keyEvent(vt::Keyboard::F10)), 0);
+  vt::Config::getInstance().setWindowTitle("vantor-pause-test");
+  ASSERT_EQ(vt::DisplayManager::getInstance().startUp(), 0);
+  const std::string xdotool = "xdotool search --name vantor-pause-test ";
+  ASSERT_EQ(std::system((xdotool + "windowfocus --sync").c_str()), 0);
+  EXPECT_EQ(p_pause->eventHandler(&keyEvent(vt::Keyboard::P)), 1);
+  const std::string sent = config.folder() + "/key-sent";
+  ASSERT_EQ(std::system(("(sleep 0.3; touch " + sent + "; " + xdotool + "key space) &").c_str()),
+            0);
+  EXPECT_EQ(p_pause->eventHandler(&keyEvent(vt::Keyboard::F10)), 1);
+  EXPECT_TRUE(std::filesystem::exists(sent));
+  WorldManager::getInstance().shutDown();
+  vt::DisplayManager::getInstance().shutDown();
+}
+
+// Size 2: how many, how fast (vertical speeds halved, for cells twice as high
+// as wide), how they slow or drift each step, and how long they live.
+TEST(Particles, PresetsSprayTheirCountAtTheirSpeedsAndDieWithinTheirLives) {
+  test::HeadlessEngine engine;
+  WorldManager::getInstance().setBoundary(vt::Box(Vector(-500, -500), 1000, 1000));
+  const struct {
+    int preset, count;
+    float max_speed, drag;
+    Vector gravity;
+    int min_life, max_life;
+  } PRESETS[] = {{vt::PARTICLE_BURST, 20, 1.0f, 0.85f, Vector(), 8, 16},
+                 {vt::PARTICLE_SMOKE, 10, 0.15f, 0.95f, Vector(0, -0.02f), 20, 30},
+                 {vt::PARTICLE_SPARKLE, 16, 0.1f, 0.8f, Vector(), 5, 12}};
+  const Vector origin(40, 12);
+  for (const auto& preset : PRESETS) {
+    SCOPED_TRACE(preset.preset);
+    ASSERT_EQ(vt::addParticles(preset.preset, origin, 2.0f, vt::RED), 0);
+    std::map<const vt::Object*, Vector> velocities;
+    for (const vt::Object* p_particle : WorldManager::getInstance().objectsOfType("Particle")) {
+      const Vector v = p_particle->getVelocity();
+      const float speed = Vector(v.getX(), 2 * v.getY()).getMagnitude();
+      EXPECT_GE(speed, 0.3f * preset.max_speed * 0.999f);
+      EXPECT_LE(speed, preset.max_speed * 1.001f);
+      velocities[p_particle] = v;
+    }
+    EXPECT_EQ(velocities.size(), std::size_t(preset.count));
+    runSteps(1);
+    for (const vt::Object* p_particle : WorldManager::getInstance().objectsOfType("Particle")) {
+      const Vector expected = origin + velocities[p_particle] * preset.drag + preset.gravity;
+      EXPECT_LT((p_particle->getPosition() - expected).getMagnitude(), 1e-4f);
+    }
+    runSteps(preset.min_life - 2);
+    EXPECT_EQ(countOf("Particle"), preset.count);
+    runSteps(preset.max_life - preset.min_life + 1);
+    EXPECT_EQ(countOf("Particle"), 0);
+  }
+}
+
+TEST(Particles, ColoursFadeFromTheirOwnToTheBackground) {
+  unsigned char rgb[3];
+  for (const auto& [age, level] : {std::pair{0, 255}, {5, 128}, {10, 0}, {15, 0}}) {
+    vt::Particle::fadedColor(vt::YELLOW, age, 10, rgb[0], rgb[1], rgb[2]);
+    EXPECT_EQ(std::vector<int>(rgb, rgb + 3), (std::vector<int>{level, level, 0})) << age;
+  }
+}
+
+TEST(Particles, FireworksBurstPrecipitationEndsAndUnknownPresetsAreRefused) {
+  test::HeadlessEngine engine;
+  WorldManager::getInstance().setBoundary(vt::Box(Vector(0, 0), 80, 24));
+  WorldManager::getInstance().setView(vt::Box(Vector(0, 0), 80, 24));
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_FIREWORK, Vector(40, 20), 1.0f, vt::CYAN), 0);
+  EXPECT_EQ(countOf("Firework"), 1);
+  runSteps(20);
+  EXPECT_EQ(countOf("Firework"), 0);
+  EXPECT_GT(countOf("Particle"), 0);
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SNOW, Vector(), 1.0f, vt::WHITE), 0);
+  runSteps(30);
+  EXPECT_EQ(countOf("Precipitation"), 0);
+  EXPECT_EQ(vt::addParticles(42, Vector(), 1.0f, vt::WHITE), -1);
+  EXPECT_NE(engine.logText().find("addParticles(): Warning! Unknown preset 42."),
+            std::string::npos);
+}
