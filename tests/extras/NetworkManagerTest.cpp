@@ -9,12 +9,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <deque>
 #include <map>
-#include <memory>
 
 #include "core/Clock.h"
 #include "core/Config.h"
-#include "extras/EventNetwork.h"
 #include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
 
@@ -38,6 +37,7 @@ struct RawPeer {
     const sockaddr_in address{AF_INET, htons(std::stoi(port)), {htonl(INADDR_LOOPBACK)}, {}};
     if (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) close();
   }
+  RawPeer(const RawPeer&) = delete;
   ~RawPeer() { close(); }
   bool write(const std::string& bytes) const {
     return send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL) == ssize_t(bytes.size());
@@ -86,13 +86,12 @@ class NetworkManagerTest : public testing::Test {
     for (int i = 0; i < count; i++) {
       const int connections = network_manager.getNumConnections() + 1;
       network_manager.setMaxConnections(connections);
-      peers.push_back(std::make_unique<RawPeer>(port));
+      peers.emplace_back(port);
       ASSERT_TRUE(pumpUntil([&] { return network_manager.getNumConnections() == connections; }));
     }
   }
   // Runs the loop's network step until done() holds; false after 20 s or more.
-  template <typename Condition>
-  bool pumpUntil(const Condition& done) {
+  bool pumpUntil(const std::function<bool()>& done) {
     for (int i = 0; i < 20000 && !done(); i++) {
       network_manager.processFrame(Clock(), 33);
       usleep(1000);
@@ -102,14 +101,11 @@ class NetworkManagerTest : public testing::Test {
   auto countLabel(int label) const {
     return std::count_if(events.begin(), events.end(), [&](auto e) { return e.first == label; });
   }
-  bool logged(const std::string& line) const {
-    return engine.logText().find(line) != std::string::npos;
-  }
 
   test::HeadlessEngine engine;
   NetworkManager& network_manager = NetworkManager::getInstance();
   std::string port;
-  std::vector<std::unique_ptr<RawPeer>> peers;
+  std::deque<RawPeer> peers;
   std::vector<std::pair<int, int>> events;  // label and connection of each, in order
   std::map<int, Strings> payloads;          // received on each connection, in order
 };
@@ -132,14 +128,14 @@ TEST_F(NetworkManagerTest, OnlyWholeMessagesAreAnnouncedAndAFrameTakesAllThatArr
   const std::string message = frame("abcdef");
   // Ten bytes in three pieces: no event until the last one is in.
   for (const auto& [from, count] : {std::pair{0, 2}, {2, 7}, {9, 1}}) {
-    ASSERT_TRUE(peers[0]->write(message.substr(from, count)));
+    ASSERT_TRUE(peers[0].write(message.substr(from, count)));
     ASSERT_TRUE(pumpUntil([&] { return network_manager.isData(0) == from + count; }));
     EXPECT_EQ(countLabel(NETWORK_DATA), 0);
   }
   EXPECT_EQ(network_manager.genDataEvents(0), 1);
   std::string burst = frame("");
   for (int i = 0; i < 4; i++) burst += frame("message " + std::to_string(i));
-  ASSERT_TRUE(peers[0]->write(burst));
+  ASSERT_TRUE(peers[0].write(burst));
   ASSERT_TRUE(pumpUntil([&] { return network_manager.isData(0) == int(burst.size()); }));
   EXPECT_EQ(network_manager.processFrame(Clock(), 5000), 5);
   EXPECT_EQ(payloads[0],
@@ -166,8 +162,8 @@ TEST_F(NetworkManagerTest, ClientsBeyondTheLimitAreRefusedAndCloseRenumbersTheOt
   acceptPeers(3);
   EXPECT_EQ(network_manager.close(0), 0);
   EXPECT_EQ(events.back(), std::pair(int(NETWORK_CLOSE), 0));
-  ASSERT_TRUE(peers[1]->write(frame("from B")));
-  ASSERT_TRUE(peers[2]->write(frame("from C")));
+  ASSERT_TRUE(peers[1].write(frame("from B")));
+  ASSERT_TRUE(peers[2].write(frame("from C")));
   ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_DATA) == 2; }));
   EXPECT_EQ(payloads, (std::map<int, Strings>{{0, {"from B"}}, {1, {"from C"}}}));
   network_manager.setMaxConnections(2);
@@ -179,13 +175,10 @@ TEST_F(NetworkManagerTest, ClientsBeyondTheLimitAreRefusedAndCloseRenumbersTheOt
 // A read that fails is an error, not a message of no bytes.
 TEST_F(NetworkManagerTest, FailuresAreRefused) {
   acceptPeers(1);
-  peers[0]->close(true);
+  peers[0].close(true);
   char buffer[4];
   EXPECT_EQ(network_manager.receive(0, buffer, 4), -1);
-  EXPECT_TRUE(logged("\t104 - Connection reset by peer\n"));
-  network_manager.close(0);
-  EXPECT_EQ(network_manager.receive(0, buffer, 4), -1);
-  EXPECT_EQ(network_manager.send(0, buffer, 4), -1);
+  EXPECT_NE(engine.logText().find("\t104 - Connection reset by peer\n"), std::string::npos);
   // A port whose listener has just gone: connecting is refused.
   EXPECT_EQ(network_manager.setServer(false), 0);
   EXPECT_EQ(network_manager.connect("127.0.0.1", port), -1);
@@ -197,36 +190,34 @@ TEST_F(NetworkManagerTest, FailuresAreRefused) {
 TEST_F(NetworkManagerTest, BadSizesAndCutMessagesCloseOnlyTheOffenderAfterItsWholeMessages) {
   acceptPeers(1);
   // The peer stays unless its size field is refused; then it closes or resets.
-  struct Case {
+  const struct {
     std::string bytes;
     int whole_messages, refused_size;
-    bool reset = false;
-  };
-  const std::string whole = frame("whole one");
-  for (const Case& hostile : {
-           Case{sizeField(-5) + "junk", 0, -5},
-           Case{whole + sizeField(3), 1, 3},
-           Case{whole + sizeField(MAX_MESSAGE_SIZE + 1), 1, MAX_MESSAGE_SIZE + 1},
-           Case{sizeField(100).substr(0, 2), 0, 0},
-           Case{sizeField(100) + std::string(50, 'r'), 0, 0, true},
-           Case{whole + whole + whole.substr(0, 6), 2, 0},
-       }) {
+    bool reset;
+  } CASES[] = {{sizeField(-5) + "junk", 0, -5, false},
+               {frame("whole") + sizeField(3), 1, 3, false},
+               {frame("whole") + sizeField(MAX_MESSAGE_SIZE + 1), 1, MAX_MESSAGE_SIZE + 1, false},
+               {sizeField(100).substr(0, 2), 0, 0, false},
+               {sizeField(100) + std::string(50, 'r'), 0, 0, true},
+               {frame("whole") + frame("whole") + frame("cut").substr(0, 6), 2, 0, false}};
+  for (const auto& hostile : CASES) {
     acceptPeers(1);
-    RawPeer& peer = *peers.back();
     events.clear();
     payloads.clear();
-    ASSERT_TRUE(peer.write(hostile.bytes));
-    if (hostile.refused_size == 0) peer.close(hostile.reset);
+    ASSERT_TRUE(peers.back().write(hostile.bytes));
+    if (hostile.refused_size == 0) peers.back().close(hostile.reset);
     const std::string sent = "good after " + std::to_string(hostile.whole_messages);
-    ASSERT_TRUE(peers[0]->write(frame(sent)));
+    ASSERT_TRUE(peers[0].write(frame(sent)));
     ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_CLOSE) == 1 && payloads.count(0); }));
-    EXPECT_EQ(payloads[1], Strings(hostile.whole_messages, "whole one"));
+    EXPECT_EQ(payloads[1], Strings(hostile.whole_messages, "whole"));
     EXPECT_EQ(payloads[0], Strings{sent});
-    if (hostile.refused_size != 0) {
-      EXPECT_TRUE(pumpUntil([&] { return peer.sawClose(); }));
-      EXPECT_TRUE(logged("NetworkManager::genDataEvents(): Error! Message size " +
-                         std::to_string(hostile.refused_size) + " not in range [4,32768]."));
-    }
+    if (hostile.refused_size == 0) continue;
+    EXPECT_TRUE(pumpUntil([&] { return peers.back().sawClose(); }));
+    EXPECT_NE(
+        engine.logText().find("NetworkManager::genDataEvents(): Error! Message size " +
+                              std::to_string(hostile.refused_size) + " not in range [4,32768]."),
+        std::string::npos);
   }
-  EXPECT_FALSE(logged("recv() returned"));  // a reset is a peer leaving, not an error
+  // A reset is a peer leaving, not an error.
+  EXPECT_EQ(engine.logText().find("recv() returned"), std::string::npos);
 }
