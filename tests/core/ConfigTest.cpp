@@ -20,7 +20,7 @@ TEST(Config, ReadsTheFileNamedByTheEnvironment) {
   EXPECT_EQ(config.getFrameTime(), 33);
   const std::string path = engine.getDirectory() + "/my.cfg";
   std::ofstream(path) << "# frame_time:99,\r\nframe_time : 16ms,\r\n\nwindow_title:My Game,\n"
-                      << "window_vertical_chars:99999999999,window_background_color:yellow,\n";
+                      << "window_vertical_chars:99999999999,window_background_color:yellow,";
   setenv("VANTOR_CONFIG", path.c_str(), 1);
   ASSERT_EQ(config.loadConfig(), 0);
   EXPECT_EQ(config.getFrameTime(), 16);

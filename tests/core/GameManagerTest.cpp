@@ -6,7 +6,6 @@
 #include <regex>
 #include <thread>
 
-#include "core/EventStep.h"
 #include "core/GameManager.h"
 #include "core/LogManager.h"
 #include "support/HeadlessEngine.h"
@@ -18,14 +17,12 @@ using vt::GameManager;
 namespace {
 
 // Starts the game manager headless from a configuration file of its own.
-class GameManagerTest : public testing::Test {
- protected:
-  void TearDown() override {
+struct GameManagerTest : testing::Test {
+  ~GameManagerTest() override {
     if (GameManager::getInstance().isStarted()) GameManager::getInstance().shutDown();
     test::restoreEngineSettings();
   }
   void startWith(const std::string& settings) {
-    directory = test::makeTempDir();
     std::ofstream(directory + "/config.txt")
         << "headless:true,\nlogfile:" << directory << "/game.log,\n"
         << settings;
@@ -40,14 +37,13 @@ class GameManagerTest : public testing::Test {
   static RecordingObject* onSteps(int last_step, std::function<void(int)> on_step = {}) {
     auto* p_object = new RecordingObject;
     p_object->registerInterest(vt::STEP_EVENT);
-    p_object->on_event = [=](const vt::Event* p_event) {
-      const int step = static_cast<const vt::EventStep*>(p_event)->getStepCount();
-      if (on_step) on_step(step);
-      if (step == last_step) GameManager::getInstance().setGameOver();
+    p_object->on_event = [=](const vt::Event*) {
+      if (on_step) on_step(p_object->steps.back());
+      if (p_object->steps.back() == last_step) GameManager::getInstance().setGameOver();
     };
     return p_object;
   }
-  std::string directory;
+  const std::string directory = test::makeTempDir();
 };
 
 }  // namespace
@@ -107,8 +103,6 @@ TEST_F(GameManagerTest, StartUpFailsWhenTheLogCannotBeOpened) {
   EXPECT_EQ(GameManager::getInstance().startUp(), -1);
   EXPECT_FALSE(vt::LogManager::getInstance().isStarted());
   GameManager::getInstance().shutDown();
-  EXPECT_NE(
-      testing::internal::GetCapturedStderr().find(
-          "LogManager::startup(): Warning! Unable to open file '/nonexistent/dir/vantor.log'."),
-      std::string::npos);
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("file '/nonexistent/dir/vantor.log'"),
+            std::string::npos);
 }

@@ -2,7 +2,6 @@
 
 #include "core/Box.h"
 #include "core/Utility.h"
-#include "core/Vector.h"
 
 using vt::Box;
 using vt::Vector;
@@ -27,16 +26,4 @@ TEST(ValueTypes, BoxesMeetPointsBoxesCirclesAndLinesAtTheirEdges) {
   EXPECT_FALSE(vt::boxIntersectsLine(box, vt::Line(Vector(-3, 0), Vector(-1, 2))));
   // The segment stops short of the box.
   EXPECT_FALSE(vt::boxIntersectsLine(box, vt::Line(Vector(5, 1), Vector(2.5f, 1))));
-}
-
-TEST(ValueTypes, VectorsNormalizeAndAdd) {
-  Vector v(3, 4);
-  EXPECT_FLOAT_EQ(v.getMagnitude(), 5);
-  v.normalize();
-  EXPECT_EQ(v.toString(), "(0.6,0.8)");
-  Vector zero;
-  zero.normalize();
-  EXPECT_TRUE(zero.isZero());
-  v += Vector(0.4f, -0.8f);
-  EXPECT_EQ(v, Vector(1, 0));
 }
