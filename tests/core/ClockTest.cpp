@@ -7,9 +7,8 @@
 
 using namespace std::chrono;
 
-// A span lies between the steady clock's spans from just after and from just
-// before the clock's mark, however slow the machine; the first crosses a
-// whole second of the monotonic clock.
+// Spans lie between the steady clock's from just after and from just before
+// the mark, however slow the machine; the first crosses a whole second.
 TEST(Clock, SplitAndDeltaMatchTheSteadyClockAcrossASecond) {
   auto before_mark = steady_clock::now();
   vt::Clock clock;

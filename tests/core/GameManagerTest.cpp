@@ -3,7 +3,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
-#include <regex>
 #include <thread>
 
 #include "core/GameManager.h"
@@ -89,11 +88,10 @@ TEST_F(GameManagerTest, LateFramesAreReportedButNeverOnTheFirstStep) {
   onSteps(3, [](int) { std::this_thread::sleep_for(std::chrono::milliseconds(25)); });
   GameManager::getInstance().run();
   const std::string log = stopAndReadLog();
-  const std::regex late(" ([0-9]) GameManager::run\\(\\): Can't keep up! frame_time 10 ms");
-  std::string late_steps;
-  for (std::sregex_iterator it(log.begin(), log.end(), late), end; it != end; ++it)
-    late_steps += (*it)[1];
-  EXPECT_EQ(late_steps, "123");
+  for (const std::string step : {"0", "1", "2", "3"}) {
+    const std::string line = " " + step + " GameManager::run(): Can't keep up! frame_time 10 ms";
+    EXPECT_EQ(log.find(line) != std::string::npos, step != "0") << step;
+  }
 }
 
 TEST_F(GameManagerTest, StartUpFailsWhenTheLogCannotBeOpened) {
