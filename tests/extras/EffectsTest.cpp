@@ -1,0 +1,181 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "core/EventStep.h"
+#include "core/GameManager.h"
+#include "extras/Particle.h"
+#include "extras/Particles.h"
+#include "extras/Pause.h"
+#include "extras/Splash.h"
+#include "media/DisplayManager.h"
+#include "media/EventKeyboard.h"
+#include "media/InputManager.h"
+#include "support/HeadlessEngine.h"
+#include "support/RecordingObject.h"
+#include "support/TestSupport.h"
+#include "world/WorldManager.h"
+
+using vt::GameManager;
+using vt::Vector;
+using vt::WorldManager;
+
+namespace {
+
+const vt::EventKeyboard& keyEvent(int key) {
+  static vt::EventKeyboard event;
+  event.setKey(key);
+  event.setKeyboardAction(vt::KEY_PRESSED);
+  return event;
+}
+
+int countOf(const std::string& type) {
+  return WorldManager::getInstance().objectsOfType(type).getCount();
+}
+
+// Sends one step to every step listener and updates the world.
+void runSteps(int count) {
+  for (int i = 0; i < count; i++) {
+    const vt::EventStep step(i);
+    GameManager::getInstance().onEvent(&step);
+    WorldManager::getInstance().update();
+  }
+}
+
+// The engine is started headless, with frames that take no time.
+struct SplashTest : testing::Test {
+  SplashTest() {
+    std::ofstream(directory + "/config.txt")
+        << "headless:true,\nframe_time:0,\nlogfile:" << directory << "/vantor.log,\n";
+    setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
+  }
+  ~SplashTest() override {
+    GameManager::getInstance().shutDown();
+    test::restoreEngineSettings();
+  }
+  const std::string directory = test::makeTempDir();
+};
+
+}  // namespace
+
+// Played to its end or skipped by a key at some step, the splash leaves no
+// object behind.
+TEST_F(SplashTest, LeavesNothingBehindWhetherPlayedOutOrSkipped) {
+  ASSERT_EQ(GameManager::getInstance().startUp(), 0);
+  int key_step = -1;
+  auto* p_player = new test::RecordingObject;
+  p_player->registerInterest(vt::STEP_EVENT);
+  p_player->on_event = [&](const vt::Event*) {
+    if (p_player->steps.back() == key_step) vt::InputManager::getInstance().onEvent(&keyEvent(0));
+  };
+  for (const auto& [key, steps] : {std::pair{-1, 90}, {3, 4}, {40, 41}}) {
+    key_step = key;
+    EXPECT_EQ(vt::splash(), 0);
+    EXPECT_EQ(GameManager::getInstance().getStepCount(), steps) << key;
+    EXPECT_EQ(countOf("Splash") + countOf("SplashVantor"), 0) << key;
+  }
+}
+
+// The banner slides in to rest left of the centre; the emblem then rises
+// from below the view to its row beside it and stays.
+TEST_F(SplashTest, TheBannerSlidesInAndTheEmblemRisesBesideIt) {
+  ASSERT_EQ(GameManager::getInstance().startUp(), 0);
+  auto* p_banner = new vt::Splash;
+  runSteps(50);
+  const float middle = WorldManager::getInstance().getView().getHorizontal() / 2;
+  EXPECT_EQ(p_banner->getVelocity(), vt::Vector());
+  EXPECT_NEAR(p_banner->getPosition().getX(), middle - 12, 12);
+  ASSERT_EQ(countOf("SplashVantor"), 1);
+  const vt::Object* p_emblem = WorldManager::getInstance().objectsOfType("SplashVantor")[0];
+  const vt::Vector target = p_banner->getPosition() + vt::Vector(24, 1);
+  EXPECT_NEAR((p_emblem->getPosition() - target).getMagnitude(), 0, 0.01);
+}
+
+// Without a window the game goes on. With one, it is held inside the pause
+// key's handler until a key is pressed there; other keys and focus events
+// go through at once.
+TEST(Pause, ItsKeyHoldsTheGameUntilTheNextKeyPress) {
+  // A process of its own: one window in a process, and one X server.
+  const pid_t child = fork();
+  if (child == 0) {
+    [] {
+      ASSERT_TRUE(vt::test::startProcessXvfb());
+      vt::test::TestConfig config(false);
+      ASSERT_EQ(WorldManager::getInstance().startUp(), 0);
+      auto* p_pause = new vt::Pause(vt::Keyboard::F10);
+      EXPECT_EQ(p_pause->eventHandler(&keyEvent(vt::Keyboard::F10)), 0);
+      ASSERT_EQ(vt::DisplayManager::getInstance().startUp(), 0);
+      const std::string sent = config.folder() + "/sent", window = "xdotool search --name Vantor ";
+      ASSERT_EQ(std::system((window + "windowfocus --sync").c_str()), 0);
+      EXPECT_EQ(p_pause->eventHandler(&keyEvent(vt::Keyboard::P)), 1);
+      ASSERT_EQ(std::system(("(sleep 0.3; touch " + sent + "; " + window + "key a) &").c_str()), 0);
+      EXPECT_EQ(p_pause->eventHandler(&keyEvent(vt::Keyboard::F10)), 1);
+      EXPECT_TRUE(std::filesystem::exists(sent));
+    }();
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+  int status = -1;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+}
+
+// Size 20 and a fixed seed: the shortest and longest lives both occur. Vertical
+// speeds are halved, for cells twice as high as wide.
+TEST(Particles, PresetsSprayTheirCountAtTheirSpeedsAndLiveTheirLives) {
+  test::HeadlessEngine engine;
+  WorldManager::getInstance().setBoundary(vt::Box(Vector(-500, -500), 1000, 1000));
+  std::srand(7);
+  const struct {
+    int preset, count;
+    float max_speed, drag;
+    Vector gravity;
+    int min_life, max_life;
+  } PRESETS[] = {{vt::PARTICLE_BURST, 200, 10.0f, 0.85f, Vector(), 8, 16},
+                 {vt::PARTICLE_SMOKE, 100, 0.15f, 0.95f, Vector(0, -0.02f), 20, 30},
+                 {vt::PARTICLE_SPARKLE, 160, 1.0f, 0.8f, Vector(), 5, 12}};
+  const Vector origin(40, 12);
+  for (const auto& preset : PRESETS) {
+    SCOPED_TRACE(preset.preset);
+    ASSERT_EQ(vt::addParticles(preset.preset, origin, 20.0f, vt::RED), 0);
+    EXPECT_EQ(countOf("Particle"), preset.count);
+    runSteps(1);
+    // Moved by their velocity, which was slowed by the drag and pulled by the gravity.
+    for (const vt::Object* p_particle : WorldManager::getInstance().objectsOfType("Particle")) {
+      const Vector v = p_particle->getVelocity();
+      EXPECT_EQ(p_particle->getPosition(), origin + v);
+      const Vector start = (v - preset.gravity) * (1 / preset.drag);
+      const float speed = Vector(start.getX(), 2 * start.getY()).getMagnitude();
+      EXPECT_TRUE(speed > 0.2999f * preset.max_speed && speed < 1.0001f * preset.max_speed)
+          << speed;
+    }
+    runSteps(preset.min_life - 2);
+    EXPECT_EQ(countOf("Particle"), preset.count);
+    runSteps(1);
+    EXPECT_LT(countOf("Particle"), preset.count);
+    runSteps(preset.max_life - preset.min_life - 1);
+    EXPECT_GT(countOf("Particle"), 0);
+    runSteps(1);
+    EXPECT_EQ(countOf("Particle"), 0);
+  }
+  // A rocket climbs and bursts; snow falls for 30 steps; unknown presets are refused.
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_FIREWORK, origin, 1.0f, vt::CYAN), 0);
+  runSteps(20);
+  EXPECT_EQ(countOf("Firework"), 0);
+  EXPECT_GT(countOf("Particle"), 0);
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SNOW, Vector(), 1.0f, vt::WHITE), 0);
+  runSteps(29);
+  EXPECT_EQ(countOf("Precipitation"), 1);
+  runSteps(1);
+  EXPECT_EQ(countOf("Precipitation"), 0);
+  EXPECT_EQ(vt::addParticles(42, Vector(), 1.0f, vt::WHITE), -1);
+  // Their colour fades from their own to the background's over their life.
+  unsigned char rgb[3];
+  for (const auto& [age, level] : {std::pair{0, 255}, {5, 128}, {10, 0}, {15, 0}}) {
+    vt::Particle::fadedColor(vt::YELLOW, age, 10, rgb[0], rgb[1], rgb[2]);
+    EXPECT_EQ(std::vector<int>(rgb, rgb + 3), (std::vector<int>{level, level, 0})) << age;
+  }
+}
