@@ -1,0 +1,227 @@
+// Both sprite file formats, read through the resource manager: what each file
+// loads as, or why it is refused, line for line as the log shows it.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "core/LogManager.h"
+#include "media/ResourceManager.h"
+#include "support/ResourceEngine.h"
+
+using Lines = std::vector<std::string>;
+
+namespace {
+
+vt::ResourceManager& rm() {
+  return vt::ResourceManager::getInstance();
+}
+
+std::string section(const std::string& tag, const Lines& lines) {
+  std::string text = "<" + tag + ">\n";
+  for (const std::string& line : lines) text += line + "\n";
+  return text + "</" + tag + ">\n";
+}
+
+std::string robust(const Lines& header, const Lines& body, const Lines& footer = {"version 1"}) {
+  return section("HEADER", header) + section("BODY", body) + section("FOOTER", footer);
+}
+
+std::string repeated(const std::string& text, int count) {
+  std::string result;
+  for (int i = 0; i < count; i++) result += text;
+  return result;
+}
+
+std::string crlf(const std::string& text) {
+  std::string result;
+  for (const char ch : text) result += ch == '\n' ? std::string("\r\n") : std::string(1, ch);
+  return result;
+}
+
+// Size, slowdown, colour, transparency and the frames of a loaded sprite.
+std::string describe(const vt::Sprite& sprite) {
+  const char transparency = sprite.getTransparency();
+  std::string text = std::to_string(sprite.getWidth()) + "x" + std::to_string(sprite.getHeight()) +
+                     " slow " + std::to_string(sprite.getSlowdown()) + " color " +
+                     std::to_string(sprite.getColor()) + " clear " +
+                     (transparency ? std::string(1, transparency) : "none") + ":";
+  for (int i = 0; i < sprite.getFrameCount(); i++) text += " " + sprite.getFrame(i).getString();
+  return text;
+}
+
+const Lines ONE = {"frames 1", "width 1", "height 1"};
+const Lines TWO_BY_THREE = {"frames 2", "width 3", "height 2"};
+const std::string EOF_LINE = "getLine(): Error! Unexpected end of file.";
+const std::string SIMPLE_EOF = "RM::loadSimpleSprite(): Error! Unexpected end of file.";
+const std::string UNKNOWN = "RM::loadSprite(): Error! Unknown sprite file format.";
+const std::string ROBUST = "RM::loadSprite(): assuming robust sprite file format.";
+const std::string NO_FRAME = "RM::loadRobustSprite(): Error! No frame data to add.";
+const std::string OVERLONG =
+    "getLine(): Error! Line longer than 4096 characters; reading stops there.";
+const std::string SIMPLE_HEAD = "2\n3\n2\n0\nred\n";
+
+struct Case {
+  std::string text;
+  Lines log;                // after the opening line; a refusal adds its closing line
+  std::string sprite = "";  // describe() of what loads; empty when the file is refused
+  int log_level = 0;
+};
+
+const Case CASES[] = {
+    // The bare format: counts, size, slowdown and colour, then the rows.
+    {"1\n2\n1\n0\nblack\nxy",
+     {"RM::loadSprite(): assuming simple sprite file format.", "\t      Frames: 1",
+      "\t       Width: 2", "\t      Height: 1", "\t    Slowdown: 0", "\t       Color: black",
+      "RM::loadSimpleSprite(): Reading frame 0.", "RM::loadSprite(): Sprite 's' frames:",
+      "\tFrame 1:", "\txy", "RM::loadSprite(): Sprite 's' loaded."},
+     "2x1 slow 0 color 0 clear none: xy",
+     15},
+    {crlf("+2 frames\n3 wide\n2\n4\ngreen\nabc\ndef\nghi\njkl\n"),
+     {},
+     "3x2 slow 4 color 2 clear none: abcdef ghijkl"},
+    {"1\n3\n1\n0\nwhite\na\rc\n", {}, "3x1 slow 0 color 7 clear none: a\rc"},
+    {"1\n4096\n1\n0\nred\n" + std::string(4096, 'w'),
+     {},
+     "4096x1 slow 0 color 1 clear none: " + std::string(4096, 'w')},
+    {"", {EOF_LINE, UNKNOWN, "RM::loadSprite(): First line is ''."}},
+    {"0\n3\n1\n0\nred\nabc\n", {UNKNOWN, "RM::loadSprite(): First line is '0'."}},
+    {"2", {EOF_LINE, SIMPLE_EOF, "\tMissing width (an integer)."}},
+    {"2\n\n1\n", {SIMPLE_EOF, "\tMissing width (an integer)."}},
+    {"2\n3\n1\n0\n", {EOF_LINE, SIMPLE_EOF, "\tMissing color (a string)."}},
+    {"2\n0\n1\n", {"RM::loadSimpleSprite(): Error line 2! Width is '0'."}},
+    {"2\n3\n0\n", {"RM::loadSimpleSprite(): Error line 3! Height is '0'."}},
+    {"2\n3\n1\n-1\n", {"RM::loadSimpleSprite(): Error line 4! Slowdown is '-1'."}},
+    {"1\n1\n1\n0\nRed\n*\n",
+     {"RM::loadSimpleSprite(): Error line 5! Unrecognized color 'Red'.",
+      "  Valid colors are: black, red, green, yellow,",
+      "                    blue, magenta, cyan and white."}},
+    {SIMPLE_HEAD + "abc\ndef\nghi\n",
+     {EOF_LINE, SIMPLE_EOF, "\tReading frame 2 of 2, row 2 of 2."}},
+    // A blank row is a missing one: frames have no separator line.
+    {SIMPLE_HEAD + "abc\ndef\n\nghi\njkl\n", {SIMPLE_EOF, "\tReading frame 2 of 2, row 1 of 2."}},
+    {SIMPLE_HEAD + "abc\nde\nghi\njkl\n",
+     {"RM::loadSimpleSprite(): Error line 7!", "\tWidth is 2, expected 3."}},
+    {SIMPLE_HEAD + "abc\ndef\nghi\njkl\nmno\n",
+     {"RM::loadSimpleSprite(): Error line 10!", "\tExtra file data: 'mno'"}},
+    {crlf("1\n3\n1\n0\nred\nabc\n\n"),
+     {"RM::loadSimpleSprite(): Error line 7!", "\tExtra file data: ''"}},
+    // A claim of far more frames than the file holds costs only its rows.
+    {"2000000000\n1\n1\n0\nred\n" + repeated("x\n", 200000),
+     {EOF_LINE, SIMPLE_EOF, "\tReading frame 200001 of 2000000000, row 1 of 1."}},
+    {"1\n3\n1\n0\nred\n" + std::string(100000, 'x') + "\n",
+     {OVERLONG, "RM::loadSimpleSprite(): Error line 6!", "\tWidth is 4097, expected 3."}},
+    {"1\n4097\n1\n0\nred\n" + std::string(4097, 'y'),
+     {OVERLONG, "RM::loadSimpleSprite(): Error line 7!", "\tExtra file data: ''"}},
+    // The sectioned format: tagged header lines in any order, frames that
+    // each close with "end", a footer with a version.
+    {robust({"frames 2", "width 3", "height 2", "color blue", "transparency #", "slowdown 4"},
+            {"a#c", "def", "end", "ghi", "j#l", "end"}),
+     {ROBUST, "\t      Frames: 2", "\t       Width: 3", "\t      Height: 2", "\t    Slowdown: 4",
+      "\tTransparency: #", "\t       Color: blue", "RM::loadSprite(): Sprite 's' loaded."},
+     "3x2 slow 4 color 4 clear #: a#cdef ghij#l",
+     5},
+    {crlf(robust({"transparency ..x", "height 2", "width 1", "frames 1", "color red"},
+                 {".", "a", "end"})),
+     {},
+     "1x2 slow 0 color 1 clear .: .a"},
+    {robust({"frames 1", "width 2", "height 1"}, {"xy", "end"}, {"version 2"}),
+     {ROBUST, "RM::loadRobustSprite(): Warning! No 'color' in header.",
+      "RM::loadRobustSprite(): Warning! No 'transparency' in header.",
+      "RM::loadRobustSprite(): Warning! No 'slowdown' in header.", "\t      Frames: 1",
+      "\t       Width: 2", "\t      Height: 1", "\t    Slowdown: 0", "\tTransparency: (none)",
+      "\t       Color: default", "RM::loadSprite(): Sprite 's' loaded."},
+     "2x1 slow 0 color 7 clear none: xy",
+     5},
+    {robust(
+         {"width 5", "height 1", "frames 1", "width 2", "colour red", "slowdown 2", "slowdown 3"},
+         {"ab", "end"}, {"author me", "version 1", "version 2"}),
+     {ROBUST, "matchLineInt(): Warning! 'width 2' matches multiple lines.",
+      "matchLineInt(): Warning! 'slowdown 3' matches multiple lines.",
+      "RM::loadRobustSprite(): Warning! Unused HEADER lines:", "\t'colour red'",
+      "matchLineStr(): Warning! 'version 2' matches multiple lines.",
+      "RM::loadRobustSprite(): Warning! Unused FOOTER lines:", "\t'author me'",
+      "RM::loadSprite(): Sprite 's' loaded."},
+     "2x1 slow 3 color 7 clear none: ab",
+     1},
+    {robust({"frames 1", "width 1", "height 1", "color purple"}, {"x", "end"}),
+     {"RM::loadRobustSprite(): Error! Unrecognized color 'purple'."}},
+    {robust({"width 1", "height 1"}, {"x", "end"}),
+     {"RM::loadRobustSprite(): Error! Missing 'frames' in header."}},
+    {"<HEADER>\nframes 1\nwidth 1\n",
+     {EOF_LINE, "readData(): Error! Never encountered '</HEADER>'."}},
+    {"<HEADER>\nframes 1\n\nwidth 1\nheight 1\n</HEADER>\n" + section("BODY", {"x", "end"}),
+     {"readData(): Error! Never encountered '</HEADER>'."}},
+    {"<HEADER>\n</HEADER>\n" + section("BODY", {"x", "end"}), {}},
+    {section("HEADER", ONE) + section("FOOTER", {"version 1"}),
+     {"readData(): Error line 6! Expected '<BODY>', have '<FOOTER>'."}},
+    {section("HEADER", ONE) + section("BODY", {"x", "end"}),
+     {EOF_LINE, "readData(): Error line 11! Expected '<FOOTER>', have ''."}},
+    {robust(ONE, {"x", "end"}, {"version"}),
+     {"RM::loadRobustSprite(): Error! Missing 'version' in FOOTER (line 14)."}},
+    // The body is counted once as it is read and again as frames are taken
+    // from it: the line numbers quoted follow that count.
+    {robust({"frames 0", "width 1", "height 1"}, {"x", "end"}),
+     {"RM::loadRobustSprite(): Error! Extra BODY:", "\tline 10: x", "\tline 11: end"}},
+    {robust(TWO_BY_THREE, {"abc", "de", "end", "ghi", "jkl", "end"}),
+     {"\tError! Line 15: Line length is 2 (frame width is 3).", "\tLine 15: 'de'", NO_FRAME}},
+    {robust(TWO_BY_THREE, {"abc", "def", "ghi", "jkl", "mno", "end"}),
+     {"\tError! Line 16: Expected 'end'.", "\tLine 16: 'ghi'", NO_FRAME}},
+    {robust(TWO_BY_THREE, {"abc", "def", "end", "ghi"}),
+     {"\tError! Line 16: No more frame data before 'end'.", NO_FRAME}},
+    {robust(TWO_BY_THREE, {"abc", "def", "end", "ghi", "jkl", "end", "xyz"}),
+     {"RM::loadRobustSprite(): Error! Extra BODY:", "\tline 21: xyz"}},
+    {"<HEADER>\nframes 2000000000\nwidth 1\nheight 1\n</HEADER>\n<BODY>\n" +
+         repeated("x\nend\n", 100000) + "</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n",
+     {"\tError! Line 400008: No more frame data before 'end'.", NO_FRAME}},
+};
+
+}  // namespace
+
+TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
+  test::ResourceEngine engine;
+  ASSERT_EQ(engine.loadSpriteText("keep", "2\n3\n1\n2\ncyan\nabc\ndef\n"), 0);
+  for (const Case& c : CASES) {
+    SCOPED_TRACE(c.text.substr(0, 80));
+    vt::LogManager::getInstance().setLogLevel(c.log_level);
+    Lines log = c.log;
+    if (c.sprite.empty()) log.push_back("RM::loadSprite(): Sprite 's' NOT loaded.");
+    EXPECT_EQ(engine.loadSpriteText("s", c.text), c.sprite.empty() ? -1 : 0);
+    EXPECT_EQ(engine.lastLoadLog(), log);
+    const vt::Sprite* p_sprite = rm().getSprite("s");
+    EXPECT_EQ(p_sprite ? describe(*p_sprite) : "", c.sprite);
+    EXPECT_EQ(rm().getSprite("keep")->getFrame(1).getString(), "def");
+    rm().unloadSprite("s");
+  }
+  EXPECT_EQ(rm().getSpriteCount(), 1);
+  // A claimed capacity costs nothing until frames are added.
+  vt::Sprite roomy(2000000000);
+  EXPECT_EQ(roomy.addFrame(vt::Frame(1, 1, "x")) + roomy.getMaxFrameCount(), 2000000000);
+}
+
+TEST(SpriteFile, FilesThatCannotBeReadAtAll) {
+  test::ResourceEngine engine;
+  const std::string folder = engine.writeFile("sub", "");
+  std::remove(folder.c_str());
+  ASSERT_EQ(mkdir(folder.c_str(), 0700), 0);
+  for (const std::string& path : {folder + "/no-such-file.txt", folder}) {
+    engine.newLogLines();
+    EXPECT_EQ(rm().loadSprite(path, "bad"), -1);
+    EXPECT_EQ(engine.newLogLines(),
+              (Lines{"RM::loadSprite(): Loading sprite '" + path + "'.",
+                     "RM::loadSprite(): Error! Cannot open file '" + path + "'.",
+                     "RM::loadSprite(): Sprite 'bad' not loaded."}));
+  }
+  // Reading this process's memory from address 0 fails with an I/O error.
+  EXPECT_EQ(rm().loadSprite("/proc/self/mem", "bad"), -1);
+  const Lines log = engine.newLogLines();
+  ASSERT_EQ(log.size(), 6u);
+  EXPECT_EQ(log[1].rfind("getLine(): Error! ", 0), 0u) << log[1];
+  EXPECT_NE(log[1].find("; reading stops there."), std::string::npos) << log[1];
+  EXPECT_EQ(Lines(log.begin() + 2, log.end() - 1),
+            (Lines{EOF_LINE, UNKNOWN, "RM::loadSprite(): First line is ''."}));
+  EXPECT_EQ(log[5], "RM::loadSprite(): Sprite 'bad' NOT loaded.");
+  EXPECT_EQ(rm().getSpriteCount(), 0);
+}
