@@ -4,6 +4,7 @@
 #include <SFML/Audio.hpp>
 #include <SFML/System/MemoryInputStream.hpp>
 #include <chrono>
+#include <cstdio>
 #include <functional>
 #include <string>
 #include <thread>
@@ -22,12 +23,9 @@ using Lines = std::vector<std::string>;
 using Samples = std::vector<sf::Int16>;
 using Status = sf::SoundSource::Status;
 using test::littleEndian;
-
 using namespace std::string_literals;
 
 namespace {
-
-const int SHORT = 400;  // samples: a twentieth of a second
 
 // Waits up to ten seconds for the condition; true when it came.
 bool waitFor(const std::function<bool()>& condition) {
@@ -47,15 +45,15 @@ class SoundTest : public testing::Test {
  protected:
   void SetUp() override { testing::internal::CaptureStderr(); }
   void TearDown() override { EXPECT_EQ(testing::internal::GetCapturedStderr(), ""); }
+  test::ResourceEngine engine;
 };
 
 }  // namespace
 
 TEST_F(SoundTest, SoundsPlayOnceOrLoopAndCopiesKeepTheirSamples) {
-  test::ResourceEngine engine;
   vt::LogManager::getInstance().setLogLevel(5);
   auto p_sound = std::make_unique<vt::Sound>();
-  ASSERT_EQ(p_sound->loadSound(engine.writeWav("beep.wav", SHORT)), 0);
+  ASSERT_EQ(p_sound->loadSound(engine.writeWav("beep.wav", 400)), 0);
   p_sound->setLabel("beep");
   engine.newLogLines();
   p_sound->play(false);
@@ -71,19 +69,18 @@ TEST_F(SoundTest, SoundsPlayOnceOrLoopAndCopiesKeepTheirSamples) {
             std::pair(Status::Playing, Status::Playing));
   EXPECT_EQ(assigned.getLabel(), "beep");
   assigned.pause();
-  EXPECT_EQ(assigned.getStatus(), Status::Paused);
   copy.stop();
-  EXPECT_EQ(copy.getStatus(), Status::Stopped);
+  EXPECT_EQ(std::pair(copy.getStatus(), assigned.getStatus()),
+            std::pair(Status::Stopped, Status::Paused));
   // Taking on an empty sound silences the voice.
   assigned = vt::Sound();
   EXPECT_EQ(std::pair(assigned.getStatus(), assigned.getLabel()), std::pair(Status::Stopped, ""s));
 }
 
 TEST_F(SoundTest, MusicStreamsPausesStopsAndStartsOverAfterAStop) {
-  test::ResourceEngine engine;
   vt::LogManager::getInstance().setLogLevel(5);
   vt::Music music;
-  ASSERT_EQ(music.loadMusic(engine.writeWav("theme.wav", SHORT)), 0);
+  ASSERT_EQ(music.loadMusic(engine.writeWav("theme.wav", 400)), 0);
   engine.newLogLines();
   music.play(false);
   EXPECT_TRUE(waitFor([&] { return music.getStatus() == Status::Stopped; }));
@@ -96,8 +93,8 @@ TEST_F(SoundTest, MusicStreamsPausesStopsAndStartsOverAfterAStop) {
   music.play(true);
   EXPECT_TRUE(waitFor([&] { return music.getPlayingOffset() >= sf::seconds(1); }));
   music.stop();
-  EXPECT_EQ(music.getStatus(), Status::Stopped);
-  EXPECT_EQ(music.getPlayingOffset(), sf::Time::Zero);
+  EXPECT_EQ(std::pair(music.getStatus(), music.getPlayingOffset()),
+            std::pair(Status::Stopped, sf::Time::Zero));
   music.play(false);
   EXPECT_EQ(music.getStatus(), Status::Playing);
   // Started over: short of where it had got to before the stop.
@@ -107,27 +104,104 @@ TEST_F(SoundTest, MusicStreamsPausesStopsAndStartsOverAfterAStop) {
                                          "Music::stop(): Stopping music.", play}));
 }
 
+// Sounds move down when one goes; music keeps its slot. Stopping the
+// manager silences and forgets them all.
+TEST_F(SoundTest, ManagerHoldsSoundsAndMusicByLabelWhileStarted) {
+  vt::ResourceManager& rm = vt::ResourceManager::getInstance();
+  const std::string file = engine.writeWav("beep.wav", 400);
+  // Music long enough for its stream never to run dry on a busy machine.
+  const std::string song = engine.writeWav("song.wav", 8000 * 5);
+  for (const char* label : {"fire", "boom", "hit"}) ASSERT_EQ(rm.loadSound(file, label), 0);
+  vt::Sound* p_first_slot = rm.getSound("fire");
+  EXPECT_EQ(rm.unloadSound("fire"), 0);
+  EXPECT_EQ(rm.unloadSound("fire"), -1);
+  EXPECT_EQ(rm.getSound("hit"), p_first_slot + 1);
+  // The moved sounds keep their samples, also when the freed slot is loaded again.
+  ASSERT_EQ(rm.loadSound(file, "zap"), 0);
+  EXPECT_EQ(rm.getSound("zap"), p_first_slot + 2);
+  for (int i = 0; i < 3; i++) p_first_slot[i].play(true);
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  for (int i = 0; i < 3; i++) EXPECT_EQ(p_first_slot[i].getStatus(), Status::Playing) << i;
+  EXPECT_EQ(rm.loadMusic(song, ""), -1);
+  ASSERT_EQ(rm.loadMusic(song, "theme") + rm.loadMusic(song, "boss"), 0);
+  vt::Music* p_theme = rm.getMusic("theme");
+  ASSERT_NE(p_theme, nullptr);
+  p_theme[0].play(true);
+  p_theme[1].play(true);
+  EXPECT_EQ(rm.unloadMusic("theme"), 0);
+  EXPECT_EQ(rm.unloadMusic("theme"), -1);
+  EXPECT_EQ(std::pair(p_theme->getStatus(), rm.getMusic("theme")),
+            std::pair(Status::Stopped, static_cast<vt::Music*>(nullptr)));
+  EXPECT_EQ(p_theme[1].getStatus(), Status::Playing);
+  rm.shutDown();
+  for (int i = 0; i < 3; i++) EXPECT_EQ(p_first_slot[i].getStatus(), Status::Stopped) << i;
+  EXPECT_EQ(p_theme[1].getStatus(), Status::Stopped);
+  EXPECT_EQ(rm.loadSound(file, "f") + rm.unloadSound("f") + rm.loadMusic(file, "t") +
+                rm.unloadMusic("t") + rm.loadSprite(file, "s") + rm.unloadSprite("s"),
+            -6);
+  ASSERT_EQ(rm.startUp(), 0);
+  EXPECT_EQ(rm.startUp(), -1);
+  EXPECT_EQ(rm.getSoundCount() + rm.getMusicCount(), 0);
+  EXPECT_EQ(rm.getSound("boom"), nullptr);
+  for (int i = 0; i < vt::MAX_SOUNDS; i++) ASSERT_EQ(rm.loadSound(file, std::to_string(i)), 0);
+  EXPECT_EQ(rm.loadSound(file, "one-too-many"), -1);
+  EXPECT_EQ(rm.unloadSound("0"), 0);
+  EXPECT_EQ(rm.loadSound(file, "one-more"), 0);
+  EXPECT_NE(rm.getSound("99"), nullptr);
+  for (int i = 0; i < vt::MAX_MUSICS; i++) ASSERT_EQ(rm.loadMusic(song, std::to_string(i)), 0);
+  EXPECT_EQ(rm.loadMusic(song, "one-too-many"), -1);
+  EXPECT_NE(rm.getMusic("49"), nullptr);
+}
+
+// Files that are not 16-bit PCM WAV, or whose header is wrong, are refused
+// with SFML's reason ('@' stands for the path) and the manager's line.
 TEST_F(SoundTest, BadSoundFilesAreRefusedWithTheirLogLines) {
-  test::ResourceEngine engine;
-  const std::string missing = engine.writeFile("", "") + "missing.wav";
-  const std::string junk = engine.writeFile("junk.wav", "RIFF\x10\0\0\0WAVEjunk");
-  // Eight bits (which SFML reads) claiming two billion samples.
-  const std::string liar =
-      engine.writeFile("liar.wav", with(with(test::ResourceEngine::wavBytes(8), 32, "\x01\0\x08"s),
-                                        40, littleEndian(2000000000, 4)));
-  const std::pair<std::string, std::string> cases[] = {
-      {missing, "SFML: Failed to open sound file \"" + missing + "\" (couldn't open stream)"},
-      {junk, "SFML: Failed to open sound file \"" + junk + "\" (format not supported)"},
-      {liar,
-       "Sound::loadSound(): Error! '" + liar + "' claims 2000000000 samples, more than 57600000."}};
-  for (const auto& [path, first_line] : cases) {
+  const std::string good = test::ResourceEngine::wavBytes(100);
+  const std::string unsupported = "SFML: Failed to open sound file \"@\" (format not supported)";
+  const std::string invalid = "SFML: Failed to open WAV sound file (invalid or unsupported file)";
+  const struct {
+    const char* name;
+    std::string bytes;
+    Lines sfml;
+  } cases[] = {
+      {"missing", "", {"SFML: Failed to open sound file \"@\" (couldn't open stream)"}},
+      {"junk", "not a sound", {unsupported}},
+      {"rifx", with(good, 3, "X"), {unsupported}},
+      {"wavx", with(good, 11, "X"), {unsupported}},
+      {"float", with(good, 20, "\x03"s), {invalid}},
+      {"12-bit",
+       with(good, 34, "\x0c"s),
+       {"SFML: Unsupported sample size: 12 bit (Supported sample sizes are 8/16/24/32 bit)",
+        invalid}},
+      {"short-format", with(good, 16, "\x0f"s), {invalid}},
+      {"no-data", with(good, 36, "dat_"), {invalid}},
+      {"cut", good.substr(0, 36), {invalid}},
+      {"no-channels", with(good, 22, "\0"s), {}},
+      // Eight bits (which SFML reads) claiming two billion samples.
+      {"liar",
+       with(with(test::ResourceEngine::wavBytes(8), 32, "\x01\0\x08"s), 40,
+            littleEndian(2000000000, 4)),
+       {"Sound::loadSound(): Error! '@' claims 2000000000 samples, more than 57600000."}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const std::string path = engine.writeFile(""s + c.name + ".wav", c.bytes);
+    if (c.bytes.empty()) std::remove(path.c_str());
+    Lines log = c.sfml;
+    for (std::string& line : log) {
+      if (const auto at = line.find('@'); at != std::string::npos) line.replace(at, 1, path);
+    }
+    log.push_back("RM::loadSound(): Error! Cannot load sound from file '" + path + "'.");
     engine.newLogLines();
     EXPECT_EQ(vt::ResourceManager::getInstance().loadSound(path, "bad"), -1);
-    EXPECT_EQ(
-        engine.newLogLines(),
-        (Lines{first_line, "RM::loadSound(): Error! Cannot load sound from file '" + path + "'."}));
+    EXPECT_EQ(engine.newLogLines(), log);
   }
   EXPECT_EQ(vt::ResourceManager::getInstance().getSoundCount(), 0);
+  // A 16-bit file claiming more than it holds is cut to what it holds.
+  const std::string liar = engine.writeWav("liar16.wav", 100, 2000000000);
+  EXPECT_EQ(vt::ResourceManager::getInstance().loadSound(liar, "cut") +
+                vt::ResourceManager::getInstance().loadMusic(liar, "cut"),
+            0);
   // Whole lines written to an error stream, SFML's too, go to the log.
   vt::LogStreamBuf buffer("pre: ");
   std::ostream stream(&buffer);
@@ -138,12 +212,12 @@ TEST_F(SoundTest, BadSoundFilesAreRefusedWithTheirLogLines) {
   EXPECT_EQ(engine.newLogLines(), (Lines{"pre: one", "pre: two 100%s", "SFML: from SFML"}));
 }
 
-TEST_F(SoundTest, WavReaderReadsSixteenBitPcmAndLeavesOtherFilesToSfml) {
-  const Samples samples = {0, 1, -1, 32767, -32768, 258, 5, -5};
+// Stereo after an odd-sized chunk (which is padded): samples as written,
+// whole frames only, from any position.
+TEST_F(SoundTest, WavFilesReadAsTheSamplesWritten) {
   std::string data;
-  for (const sf::Int16 sample : samples)
+  for (const sf::Int16 sample : {0, 1, -1, 32767, -32768, 258, 5, -5})
     data += littleEndian(static_cast<std::uint16_t>(sample), 2);
-  // Stereo, after an odd-sized chunk, which is padded.
   const std::string stereo =
       with(with(test::ResourceEngine::wavBytes(8), 22, "\x02"s), 32, "\x04"s).substr(0, 44) + data;
   const std::string bytes = stereo.substr(0, 12) + "LIST\x03\0\0\0odd\0"s + stereo.substr(12);
@@ -167,27 +241,12 @@ TEST_F(SoundTest, WavReaderReadsSixteenBitPcmAndLeavesOtherFilesToSfml) {
   const std::string cut = with(stereo.substr(0, 54), 40, littleEndian(2000000000, 4));
   stream.open(cut.data(), cut.size());
   ASSERT_TRUE(reader.open(stream, info));
-  EXPECT_EQ(info.sampleCount, 4u);
   EXPECT_EQ(reader.read(read.data(), 10), 4u);
+  // Blocks that do not fit the channels, or no sample rate, it leaves to SFML.
   const std::string good = test::ResourceEngine::wavBytes(8);
-  // Files it declines: each breaks one field of a good header.
-  const std::pair<std::size_t, std::string> breaks[] = {{3, "X"},      {8, "X"},      {16, "\x0f"s},
-                                                        {20, "\x03"s}, {22, "\0"s},   {24, "\0\0"s},
-                                                        {32, "\x03"s}, {34, "\x08"s}, {12, "data"}};
-  std::vector<std::string> others = {good.substr(0, 36), ""};
-  for (const auto& [at, part] : breaks) others.push_back(with(good, at, part));
-  for (const std::string& other : others) {
+  for (const std::string& other :
+       {with(good, 32, "\x03"s), with(good, 24, "\0\0"s), with(good, 12, "data")}) {
     stream.open(other.data(), other.size());
-    EXPECT_FALSE(vt::WavReader::check(stream)) << &other - others.data();
+    EXPECT_FALSE(vt::WavReader::check(stream));
   }
-  // It goes ahead of SFML's own readers, which would believe a claim.
-  test::ResourceEngine engine;
-  const std::string liar = engine.writeWav("liar.wav", 100, 2000000000);
-  vt::Sound sound;
-  EXPECT_EQ(sound.loadSound(liar), 0);
-  vt::Music music;
-  EXPECT_EQ(music.loadMusic(liar), 0);
-  sf::InputSoundFile file;
-  ASSERT_TRUE(file.openFromFile(engine.writeFile("eight.wav", with(good, 32, "\x01\0\x08"s))));
-  EXPECT_EQ(file.getSampleCount(), 16u);
 }

@@ -10,6 +10,7 @@
 #include "core/LogManager.h"
 #include "media/ResourceManager.h"
 #include "support/ResourceEngine.h"
+#include "world/Object.h"
 
 using Lines = std::vector<std::string>;
 
@@ -199,6 +200,42 @@ TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
   // A claimed capacity costs nothing until frames are added.
   vt::Sprite roomy(2000000000);
   EXPECT_EQ(roomy.addFrame(vt::Frame(1, 1, "x")) + roomy.getMaxFrameCount(), 2000000000);
+}
+
+TEST(SpriteFile, SpritesByLabelUpToAThousandAndOnObjects) {
+  test::ResourceEngine engine;
+  const std::string file = engine.writeFile("box.txt", "1\n5\n3\n0\nred\n.....\n.....\n.....\n");
+  for (const char* label : {"a", "b", "c", "b"}) ASSERT_EQ(rm().loadSprite(file, label), 0);
+  vt::Sprite* p_c = rm().getSprite("c");
+  EXPECT_EQ(rm().getSprite("B"), nullptr);
+  // The first of two equal labels goes first; the others keep their order.
+  EXPECT_EQ(rm().unloadSprite("b") + rm().unloadSprite("b"), 0);
+  EXPECT_EQ(rm().unloadSprite("b"), -1);
+  EXPECT_EQ(rm().getSprite("c"), p_c);
+  EXPECT_EQ(rm().getSpriteCount(), 2);
+  for (int i = 2; i < vt::MAX_SPRITES; i++) {
+    ASSERT_EQ(rm().loadSprite(file, "box" + std::to_string(i)), 0) << i;
+  }
+  engine.newLogLines();
+  EXPECT_EQ(rm().loadSprite(file, "one-too-many"), -1);
+  EXPECT_EQ(engine.newLogLines(),
+            (Lines{"RM::loadRobustSprite(): Error! Cannot add more Sprites (max is 1000).",
+                   "RM::loadRobustSprite(): Sprite 'one-too-many' not loaded."}));
+  EXPECT_NE(rm().getSprite("box999"), nullptr);
+  EXPECT_EQ(rm().unloadSprite("a"), 0);
+  EXPECT_EQ(rm().loadSprite(file, "one-more"), 0);
+  // An object takes a sprite and its box by label and keeps both when the
+  // label is unknown.
+  auto* p_object = new vt::Object;
+  const vt::Box default_box = p_object->getBox();
+  EXPECT_EQ(p_object->setSprite("boat"), -1);
+  EXPECT_EQ(p_object->getBox(), default_box);
+  EXPECT_EQ(p_object->setSprite("c"), 0);
+  EXPECT_EQ(p_object->getAnimation().getSprite(), p_c);
+  EXPECT_EQ(p_object->getBox(), vt::Box(vt::Vector(-2.5f, -1.5f), 5, 3));
+  rm().shutDown();
+  ASSERT_EQ(rm().startUp(), 0);
+  EXPECT_EQ(rm().getSpriteCount(), 0);
 }
 
 TEST(SpriteFile, FilesThatCannotBeReadAtAll) {
