@@ -1,9 +1,7 @@
 // Both sprite file formats, read through the resource manager: what each file
 // loads as, or why it is refused, line for line as the log shows it.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -91,7 +89,6 @@ const Case CASES[] = {
     {"0\n3\n1\n0\nred\nabc\n", {UNKNOWN, "RM::loadSprite(): First line is '0'."}},
     {"2", {EOF_LINE, SIMPLE_EOF, "\tMissing width (an integer)."}},
     {"2\n\n1\n", {SIMPLE_EOF, "\tMissing width (an integer)."}},
-    {"2\n3\n1\n0\n", {EOF_LINE, SIMPLE_EOF, "\tMissing color (a string)."}},
     {"2\n0\n1\n", {"RM::loadSimpleSprite(): Error line 2! Width is '0'."}},
     {"2\n3\n0\n", {"RM::loadSimpleSprite(): Error line 3! Height is '0'."}},
     {"2\n3\n1\n-1\n", {"RM::loadSimpleSprite(): Error line 4! Slowdown is '-1'."}},
@@ -151,11 +148,8 @@ const Case CASES[] = {
      {"RM::loadRobustSprite(): Error! Unrecognized color 'purple'."}},
     {robust({"width 1", "height 1"}, {"x", "end"}),
      {"RM::loadRobustSprite(): Error! Missing 'frames' in header."}},
-    {"<HEADER>\nframes 1\nwidth 1\n",
-     {EOF_LINE, "readData(): Error! Never encountered '</HEADER>'."}},
     {"<HEADER>\nframes 1\n\nwidth 1\nheight 1\n</HEADER>\n" + section("BODY", {"x", "end"}),
      {"readData(): Error! Never encountered '</HEADER>'."}},
-    {"<HEADER>\n</HEADER>\n" + section("BODY", {"x", "end"}), {}},
     {section("HEADER", ONE) + section("FOOTER", {"version 1"}),
      {"readData(): Error line 6! Expected '<BODY>', have '<FOOTER>'."}},
     {section("HEADER", ONE) + section("BODY", {"x", "end"}),
@@ -174,9 +168,6 @@ const Case CASES[] = {
      {"\tError! Line 16: No more frame data before 'end'.", NO_FRAME}},
     {robust(TWO_BY_THREE, {"abc", "def", "end", "ghi", "jkl", "end", "xyz"}),
      {"RM::loadRobustSprite(): Error! Extra BODY:", "\tline 21: xyz"}},
-    {"<HEADER>\nframes 2000000000\nwidth 1\nheight 1\n</HEADER>\n<BODY>\n" +
-         repeated("x\nend\n", 100000) + "</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n",
-     {"\tError! Line 400008: No more frame data before 'end'.", NO_FRAME}},
 };
 
 }  // namespace
@@ -240,10 +231,8 @@ TEST(SpriteFile, SpritesByLabelUpToAThousandAndOnObjects) {
 
 TEST(SpriteFile, FilesThatCannotBeReadAtAll) {
   test::ResourceEngine engine;
-  const std::string folder = engine.writeFile("sub", "");
-  std::remove(folder.c_str());
-  ASSERT_EQ(mkdir(folder.c_str(), 0700), 0);
-  for (const std::string& path : {folder + "/no-such-file.txt", folder}) {
+  const std::string folder = engine.writeFile("", "");
+  for (const std::string& path : {folder + "no-such-file.txt", folder}) {
     engine.newLogLines();
     EXPECT_EQ(rm().loadSprite(path, "bad"), -1);
     EXPECT_EQ(engine.newLogLines(),
@@ -253,12 +242,11 @@ TEST(SpriteFile, FilesThatCannotBeReadAtAll) {
   }
   // Reading this process's memory from address 0 fails with an I/O error.
   EXPECT_EQ(rm().loadSprite("/proc/self/mem", "bad"), -1);
-  const Lines log = engine.newLogLines();
+  Lines log = engine.newLogLines();
   ASSERT_EQ(log.size(), 6u);
   EXPECT_EQ(log[1].rfind("getLine(): Error! ", 0), 0u) << log[1];
   EXPECT_NE(log[1].find("; reading stops there."), std::string::npos) << log[1];
-  EXPECT_EQ(Lines(log.begin() + 2, log.end() - 1),
-            (Lines{EOF_LINE, UNKNOWN, "RM::loadSprite(): First line is ''."}));
-  EXPECT_EQ(log[5], "RM::loadSprite(): Sprite 'bad' NOT loaded.");
-  EXPECT_EQ(rm().getSpriteCount(), 0);
+  EXPECT_EQ(Lines(log.begin() + 2, log.end()),
+            (Lines{EOF_LINE, UNKNOWN, "RM::loadSprite(): First line is ''.",
+                   "RM::loadSprite(): Sprite 'bad' NOT loaded."}));
 }
