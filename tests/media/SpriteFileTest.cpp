@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/LogManager.h"
 #include "media/ResourceManager.h"
 #include "support/ResourceEngine.h"
 #include "world/Object.h"
@@ -154,7 +155,14 @@ TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
     EXPECT_EQ(rm().getSprite("keep")->getFrame(1).getString(), "def");
     rm().unloadSprite("s");
   }
-  EXPECT_EQ(rm().getSpriteCount(), 1);
+  // From log level 15 on, the frames are written out row by row.
+  vt::LogManager::getInstance().setLogLevel(15);
+  ASSERT_EQ(engine.loadSpriteText("s", "2\n1\n2\n0\nred\na\nb\nc\nd\n"), 0);
+  const Lines log = engine.lastLoadLog();
+  ASSERT_GE(log.size(), 8u);
+  EXPECT_EQ(Lines(log.end() - 8, log.end()),
+            (Lines{"RM::loadSprite(): Sprite 's' frames:", "\tFrame 1:", "\ta", "\tb",
+                   "\tFrame 2:", "\tc", "\td", "RM::loadSprite(): Sprite 's' loaded."}));
 }
 
 TEST(SpriteFile, SpritesByLabelUpToAThousandAndOnObjects) {
@@ -173,8 +181,7 @@ TEST(SpriteFile, SpritesByLabelUpToAThousandAndOnObjects) {
   // The first of two equal labels goes first; the others keep their order.
   EXPECT_EQ(rm().unloadSprite("b") + rm().unloadSprite("b"), 0);
   EXPECT_EQ(rm().unloadSprite("b"), -1);
-  EXPECT_EQ(rm().getSprite("c"), p_c);
-  EXPECT_EQ(rm().getSpriteCount(), 2);
+  EXPECT_EQ(std::pair(rm().getSprite("c"), rm().getSpriteCount()), std::pair(p_c, 2));
   for (int i = 2; i < vt::MAX_SPRITES; i++) {
     ASSERT_EQ(rm().loadSprite(file, "box" + std::to_string(i)), 0) << i;
   }
