@@ -1,5 +1,4 @@
-// The key and button tables, and real key presses and mouse actions (through
-// xdotool) on a window, one round of input per step.
+// The key table, and real keys and mouse (by xdotool) on a window, a round per step.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -112,7 +111,6 @@ TEST_F(InputWindowTest, KeysAndMouseArriveStepByStep) {
       {"keyup BackSpace keydown F11", {release(K::BACKSPACE), press(K::F11)}},
       {"keyup F11 " + on_window + "64 96", {release(K::F11), at(vt::MOVED, no_button)}},
       {"mousedown 1", {at(vt::CLICKED, vt::Mouse::LEFT), left_held}},
-      {"", {left_held}},
       {"mousedown 3",
        {at(vt::CLICKED, vt::Mouse::RIGHT), left_held, at(vt::PRESSED, vt::Mouse::RIGHT)}},
       {"mouseup 3 mouseup 1 mousedown 2",

@@ -70,7 +70,6 @@ TEST_F(SoundTest, SoundsAndMusicPlayOnceOrLoopPauseAndStop) {
   EXPECT_EQ(std::pair(music.getStatus(), music.getPlayingOffset()),
             std::pair(Status::Stopped, sf::Time::Zero));
   music.play(false);
-  // Started over: short of where it had got to before the stop.
   EXPECT_EQ(music.getStatus(), Status::Playing);
   EXPECT_LT(music.getPlayingOffset(), sf::seconds(1));
   const std::string play = "Music::play(): Playing music.";

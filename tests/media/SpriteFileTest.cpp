@@ -82,7 +82,6 @@ const Case CASES[] = {
     {"2", {EOF_LINE, SIMPLE_EOF, "\tMissing width (an integer)."}},
     {"2\n0\n1\n", {"RM::loadSimpleSprite(): Error line 2! Width is '0'."}},
     {"2\n3\n0\n", {"RM::loadSimpleSprite(): Error line 3! Height is '0'."}},
-    {"2\n3\n1\n-1\n", {"RM::loadSimpleSprite(): Error line 4! Slowdown is '-1'."}},
     {"1\n1\n1\n0\nRed\n*\n",
      {"RM::loadSimpleSprite(): Error line 5! Unrecognized color 'Red'.",
       "  Valid colors are: black, red, green, yellow,",
@@ -155,14 +154,20 @@ TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
     EXPECT_EQ(rm().getSprite("keep")->getFrame(1).getString(), "def");
     rm().unloadSprite("s");
   }
-  // From log level 15 on, the frames are written out row by row.
+  // From log level 5 on the header is summed up, and from 15 on the frames
+  // are written out row by row.
   vt::LogManager::getInstance().setLogLevel(15);
-  ASSERT_EQ(engine.loadSpriteText("s", "2\n1\n2\n0\nred\na\nb\nc\nd\n"), 0);
-  const Lines log = engine.lastLoadLog();
-  ASSERT_GE(log.size(), 8u);
-  EXPECT_EQ(Lines(log.end() - 8, log.end()),
-            (Lines{"RM::loadSprite(): Sprite 's' frames:", "\tFrame 1:", "\ta", "\tb",
-                   "\tFrame 2:", "\tc", "\td", "RM::loadSprite(): Sprite 's' loaded."}));
+  ASSERT_EQ(engine.loadSpriteText("s", robust({"frames 2", "width 1", "height 2", "transparency #"},
+                                              {"a", "b", "end", "c", "d", "end"})),
+            0);
+  EXPECT_EQ(
+      engine.lastLoadLog(),
+      (Lines{"RM::loadSprite(): assuming robust sprite file format.",
+             "RM::loadRobustSprite(): Warning! No 'color' in header.",
+             "RM::loadRobustSprite(): Warning! No 'slowdown' in header.", "\t      Frames: 2",
+             "\t       Width: 1", "\t      Height: 2", "\t    Slowdown: 0", "\tTransparency: #",
+             "\t       Color: default", "RM::loadSprite(): Sprite 's' frames:", "\tFrame 1:", "\ta",
+             "\tb", "\tFrame 2:", "\tc", "\td", "RM::loadSprite(): Sprite 's' loaded."}));
 }
 
 TEST(SpriteFile, SpritesByLabelUpToAThousandAndOnObjects) {
