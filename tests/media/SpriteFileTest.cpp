@@ -105,10 +105,10 @@ const Case CASES[] = {
             {"a#c", "def", "end", "ghi", "j#l", "end"}),
      {},
      "3x2 s4 c4 t#: a#cdef ghij#l"},
-    {crlf(robust({"transparency ..x", "height 2", "width 1", "frames 1", "color red"},
+    {crlf(robust({"transparency ..x", "height 2", "width 1", "frames 1", "color black"},
                  {".", "a", "end"})),
      {},
-     "1x2 s0 c1 t.: .a"},
+     "1x2 s0 c0 t.: .a"},
     // Colour, transparency and slowdown may be left out; the last of a
     // repeated line counts, and lines no one asked for are let be.
     {robust({"frames 1", "width 2", "height 1"}, {"xy", "end"}, {"version 2"}),
