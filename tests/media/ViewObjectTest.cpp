@@ -74,8 +74,8 @@ TEST_F(ViewObjectTest, ViewEventsReachTheirTagAndCopiesSaveWhatChanged) {
   EXPECT_EQ(p_copy->serialize() + p_copy->serialize(), "view_value:7,");
   p_copy->setBorder(true);
   EXPECT_EQ(p_copy->serialize() + p_copy->serialize(), "view_border:true,");
-  // Colours and locations out of range are ignored; an empty tag is kept.
-  EXPECT_EQ(p_copy->deserialize("view_value:12ab,view_color:42,view_location:12,view_string:,"), 0);
+  // A colour out of range is ignored; a missing location or an empty tag is kept.
+  EXPECT_EQ(p_copy->deserialize("view_value:12ab,view_color:42,view_string:,"), 0);
   EXPECT_EQ(p_copy->serialize("STRING,VALUE,COLOR,LOCATION,"),
             "view_string:Nukes,view_value:12,view_color:5,view_location:6,");
 }
