@@ -1,28 +1,25 @@
-// Real key presses and mouse actions (through xdotool) on a window, one
-// round of input per step.
+// The key table, and real keys and mouse (by xdotool) on a window, a round per step.
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "core/Config.h"
-#include "core/GameManager.h"
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/EventMouse.h"
 #include "media/InputManager.h"
+#include "media/InputTranslation.h"
 #include "support/RecordingObject.h"
 #include "support/TestSupport.h"
 #include "world/WorldManager.h"
 
-// Last: Xlib defines macros (None, Status, Bool) that clash with other headers.
-#include <X11/Xlib.h>
-
 namespace K = vt::Keyboard;
 using vt::InputManager;
 using Events = std::vector<std::string>;
+using SK = sf::Keyboard;
 
 namespace {
 
@@ -32,11 +29,13 @@ std::string key(int action, int code) {
   return "key " + std::to_string(action) + " " + std::to_string(code);
 }
 
+const auto press = [](int code) { return key(vt::KEY_PRESSED, code); };
+const auto release = [](int code) { return key(vt::KEY_RELEASED, code); };
+const auto held = [](int code) { return key(vt::KEY_DOWN, code); };
+
 std::string mouse(int action, int button, float x, float y) {
-  char text[64];
-  std::snprintf(text, sizeof(text), "mouse %d %d (%.2f, %.2f)", action, button,
-                static_cast<double>(x), static_cast<double>(y));
-  return text;
+  return "mouse " + std::to_string(action) + " " + std::to_string(button) + " (" +
+         std::to_string(x) + ", " + std::to_string(y) + ")";
 }
 
 std::string describe(const vt::Event* p_event) {
@@ -47,22 +46,6 @@ std::string describe(const vt::Event* p_event) {
   const auto* p_mouse = static_cast<const vt::EventMouse*>(p_event);
   const vt::Vector cell = p_mouse->getMousePosition();
   return mouse(p_mouse->getMouseAction(), p_mouse->getMouseButton(), cell.getX(), cell.getY());
-}
-
-// Asks the window to close as a window manager's close button does.
-void requestClose(const sf::Window& window) {
-  Display* p_display = XOpenDisplay(nullptr);
-  ASSERT_NE(p_display, nullptr);
-  XEvent event{};
-  event.xclient.type = ClientMessage;
-  event.xclient.window = window.getSystemHandle();
-  event.xclient.message_type = XInternAtom(p_display, "WM_PROTOCOLS", False);
-  event.xclient.format = 32;
-  event.xclient.data.l[0] = static_cast<long>(XInternAtom(p_display, "WM_DELETE_WINDOW", False));
-  event.xclient.data.l[1] = CurrentTime;
-  XSendEvent(p_display, window.getSystemHandle(), False, NoEventMask, &event);
-  XSync(p_display, False);
-  XCloseDisplay(p_display);
 }
 
 class InputWindowTest : public testing::Test {
@@ -113,33 +96,25 @@ class InputWindowTest : public testing::Test {
 
 TEST_F(InputWindowTest, KeysAndMouseArriveStepByStep) {
   const std::string on_window = "search --name " + TITLE + " mousemove --window %1 ";
-  const std::string left_held = mouse(vt::PRESSED, vt::Mouse::LEFT, 5, 3);
+  const auto at = [](int action, int button) { return mouse(action, button, 5, 3); };
+  const std::string left_held = at(vt::PRESSED, vt::Mouse::LEFT);
   const int no_button = vt::Mouse::UNDEFINED_MOUSE_BUTTON;
   // Held Num0 is polled twice, held Backspace and F11 not at all; mouse
   // releases are not reported and cells are not rounded.
   const std::pair<std::string, Events> rounds[] = {
-      {"key p Prior",
-       {key(vt::KEY_PRESSED, K::P), key(vt::KEY_RELEASED, K::P), key(vt::KEY_PRESSED, 158),
-        key(vt::KEY_RELEASED, 158)}},
-      {"keydown space", {key(vt::KEY_PRESSED, K::SPACE), key(vt::KEY_DOWN, K::SPACE)}},
-      {"", {key(vt::KEY_DOWN, K::SPACE)}},
-      {"keyup space", {key(vt::KEY_RELEASED, K::SPACE)}},
-      {"keydown 0",
-       {key(vt::KEY_PRESSED, K::NUM0), key(vt::KEY_DOWN, K::NUM0),
-        key(vt::KEY_DOWN, K::BACKSPACE)}},
-      {"keyup 0 keydown BackSpace",
-       {key(vt::KEY_RELEASED, K::NUM0), key(vt::KEY_PRESSED, K::BACKSPACE)}},
-      {"keyup BackSpace keydown F11",
-       {key(vt::KEY_RELEASED, K::BACKSPACE), key(vt::KEY_PRESSED, K::F11)}},
-      {"keyup F11 " + on_window + "64 96",
-       {key(vt::KEY_RELEASED, K::F11), mouse(vt::MOVED, no_button, 5, 3)}},
-      {"mousedown 1", {mouse(vt::CLICKED, vt::Mouse::LEFT, 5, 3), left_held}},
-      {"", {left_held}},
+      {"key p Prior", {press(K::P), release(K::P), press(158), release(158)}},
+      {"keydown space", {press(K::SPACE), held(K::SPACE)}},
+      {"", {held(K::SPACE)}},
+      {"keyup space", {release(K::SPACE)}},
+      {"keydown 0", {press(K::NUM0), held(K::NUM0), held(K::BACKSPACE)}},
+      {"keyup 0 keydown BackSpace", {release(K::NUM0), press(K::BACKSPACE)}},
+      {"keyup BackSpace keydown F11", {release(K::BACKSPACE), press(K::F11)}},
+      {"keyup F11 " + on_window + "64 96", {release(K::F11), at(vt::MOVED, no_button)}},
+      {"mousedown 1", {at(vt::CLICKED, vt::Mouse::LEFT), left_held}},
       {"mousedown 3",
-       {mouse(vt::CLICKED, vt::Mouse::RIGHT, 5, 3), left_held,
-        mouse(vt::PRESSED, vt::Mouse::RIGHT, 5, 3)}},
+       {at(vt::CLICKED, vt::Mouse::RIGHT), left_held, at(vt::PRESSED, vt::Mouse::RIGHT)}},
       {"mouseup 3 mouseup 1 mousedown 2",
-       {mouse(vt::CLICKED, vt::Mouse::MIDDLE, 5, 3), mouse(vt::PRESSED, vt::Mouse::MIDDLE, 5, 3)}},
+       {at(vt::CLICKED, vt::Mouse::MIDDLE), at(vt::PRESSED, vt::Mouse::MIDDLE)}},
       {"mouseup 2 " + on_window + "640 400", {mouse(vt::MOVED, no_button, 50, 12.5f)}}};
   for (const auto& [input, events] : rounds) {
     ASSERT_EQ(input.empty() ? 0 : xdotool(input), 0);
@@ -147,19 +122,24 @@ TEST_F(InputWindowTest, KeysAndMouseArriveStepByStep) {
   }
 }
 
-TEST_F(InputWindowTest, CloseRequestEndsTheGameAndLeavesTheRestOfTheQueue) {
-  vt::GameManager& game_manager = vt::GameManager::getInstance();
-  game_manager.setGameOver(false);
-  ASSERT_EQ(xdotool("key a keydown b"), 0);
-  requestClose(window());
-  ASSERT_EQ(xdotool("key c"), 0);
-  // B is held, but the step ends at the close request.
-  EXPECT_EQ(step(), (Events{key(vt::KEY_PRESSED, K::A), key(vt::KEY_RELEASED, K::A),
-                            key(vt::KEY_PRESSED, K::B)}));
-  EXPECT_TRUE(game_manager.getGameOver());
-  game_manager.setGameOver(false);
-  ASSERT_EQ(xdotool("keyup b"), 0);
-  EXPECT_EQ(step(), (Events{key(vt::KEY_PRESSED, K::C), key(vt::KEY_RELEASED, K::C),
-                            key(vt::KEY_RELEASED, K::B)}));
-  EXPECT_FALSE(game_manager.getGameOver());
+// Engine codes 0 to 72 go, in order, to these keys, F1 to F12, A to Z, 1 to 9,
+// 0 and Backspace; every other key is its SFML code plus 97.
+TEST(Input, EverySfmlKeyHasItsEngineCode) {
+  std::vector<int> listed = {SK::Space,    SK::Enter,     SK::Escape,   SK::Tab,   SK::Left,
+                             SK::Right,    SK::Up,        SK::Down,     SK::Pause, SK::Subtract,
+                             SK::Add,      SK::Tilde,     SK::Period,   SK::Comma, SK::Slash,
+                             SK::Equal,    SK::Backslash, SK::Multiply, SK::Quote, SK::Semicolon,
+                             SK::LControl, SK::RControl,  SK::LShift,   SK::RShift};
+  for (const auto& [first, last] :
+       {std::pair(SK::F1, SK::F12), {SK::A, SK::Z}, {SK::Num1, SK::Num9}}) {
+    for (int key = first; key <= last; key++) listed.push_back(key);
+  }
+  listed.insert(listed.end(), {SK::Num0, SK::Backspace});
+  for (int key = SK::Unknown; key < SK::KeyCount; key++) {
+    const auto found = std::find(listed.begin(), listed.end(), key);
+    EXPECT_EQ(vt::keyFromSFML(static_cast<SK::Key>(key)),
+              found == listed.end() ? key + 97 : found - listed.begin())
+        << "SFML key " << key;
+  }
+  EXPECT_EQ(vt::buttonFromSFML(sf::Mouse::XButton1), vt::Mouse::UNDEFINED_MOUSE_BUTTON);
 }
