@@ -5,12 +5,17 @@
 #include <cstdint>
 #include <cstring>
 
+#include "core/LogManager.h"
+
 namespace vt {
 
 namespace {
 
 const unsigned int PCM = 1;
+const unsigned int EXTENSIBLE = 0xFFFE;
 const unsigned int BYTES_PER_SAMPLE = 2;
+const unsigned int MAX_CHANNELS = 8;
+const unsigned int MAX_SAMPLE_RATE = 384000;
 // Bytes of the format chunk read: tag, channels, rate, byte rate, block
 // alignment and bits per sample.
 const int FORMAT_BYTES = 16;
@@ -34,13 +39,22 @@ void WavReader::registerFirst() {
 
 bool WavReader::check(sf::InputStream& stream) {
   Layout layout;
-  return readLayout(stream, layout);
+  return readLayout(stream, layout) && !isLeftToSfml(layout);
 }
 
 bool WavReader::open(sf::InputStream& stream, Info& info) {
-  if (!readLayout(stream, layout)) return false;
+  if (!readLayout(stream, layout) || !isPcm(layout, 8 * BYTES_PER_SAMPLE) || !layout.has_data) {
+    LogManager::getInstance().writeLog(
+        "WavReader::open(): Error! Not a WAV file of 8, 16, 24 or 32-bit PCM samples in 1 to %u "
+        "channels.",
+        MAX_CHANNELS);
+    return false;
+  }
   p_stream = &stream;
-  info.sampleCount = layout.sample_count;
+  const sf::Uint64 held =
+      static_cast<sf::Uint64>(std::max<sf::Int64>(stream.getSize() - layout.data_start, 0));
+  sample_count = std::min(layout.data_size, held) / layout.block_align * layout.channel_count;
+  info.sampleCount = sample_count;
   info.channelCount = layout.channel_count;
   info.sampleRate = layout.sample_rate;
   seek(0);
@@ -48,12 +62,12 @@ bool WavReader::open(sf::InputStream& stream, Info& info) {
 }
 
 void WavReader::seek(sf::Uint64 sample_offset) {
-  position = std::min(sample_offset, layout.sample_count);
+  position = std::min(sample_offset, sample_count);
   p_stream->seek(layout.data_start + static_cast<sf::Int64>(position * BYTES_PER_SAMPLE));
 }
 
 sf::Uint64 WavReader::read(sf::Int16* samples, sf::Uint64 max_count) {
-  const sf::Uint64 count = std::min(max_count, layout.sample_count - position);
+  const sf::Uint64 count = std::min(max_count, sample_count - position);
   auto* p_bytes = reinterpret_cast<unsigned char*>(samples);
   const sf::Int64 got = std::max<sf::Int64>(
       p_stream->read(p_bytes, static_cast<sf::Int64>(count * BYTES_PER_SAMPLE)), 0);
@@ -72,36 +86,44 @@ bool WavReader::readLayout(sf::InputStream& stream, Layout& layout) {
       std::memcmp(riff, "RIFF", 4) != 0 || std::memcmp(riff + 8, "WAVE", 4) != 0) {
     return false;
   }
-  bool has_format = false;
   unsigned char chunk[8];
   while (readBytes(stream, chunk, sizeof(chunk))) {
     const sf::Uint64 size = number(chunk + 4, 4);
     const sf::Int64 start = stream.tell();
-    if (std::memcmp(chunk, "fmt ", 4) == 0) {
-      if (!readFormat(stream, size, layout)) return false;
-      has_format = true;
-    } else if (std::memcmp(chunk, "data", 4) == 0) {
-      const auto held = static_cast<sf::Uint64>(std::max<sf::Int64>(stream.getSize() - start, 0));
-      const sf::Uint64 frame_bytes = BYTES_PER_SAMPLE * std::max(layout.channel_count, 1u);
+    if (std::memcmp(chunk, "data", 4) == 0) {
+      layout.has_data = true;
       layout.data_start = start;
-      layout.sample_count = std::min(size, held) / frame_bytes * frame_bytes / BYTES_PER_SAMPLE;
-      return has_format;
+      layout.data_size = size;
+      return true;
     }
+    if (std::memcmp(chunk, "fmt ", 4) == 0) readFormat(stream, size, layout);
     // Chunks are padded to an even length.
-    if (stream.seek(start + static_cast<sf::Int64>(size + (size & 1))) < 0) return false;
+    if (stream.seek(start + static_cast<sf::Int64>(size + (size & 1))) < 0) return true;
   }
-  return false;
+  return true;
 }
 
-bool WavReader::readFormat(sf::InputStream& stream, sf::Uint64 chunk_size, Layout& layout) {
+void WavReader::readFormat(sf::InputStream& stream, sf::Uint64 chunk_size, Layout& layout) {
   unsigned char format[FORMAT_BYTES];
-  if (chunk_size < FORMAT_BYTES || !readBytes(stream, format, FORMAT_BYTES)) return false;
+  if (chunk_size < FORMAT_BYTES || !readBytes(stream, format, FORMAT_BYTES)) return;
+  layout.has_format = true;
+  layout.format_tag = static_cast<unsigned int>(number(format, 2));
   layout.channel_count = static_cast<unsigned int>(number(format + 2, 2));
   layout.sample_rate = static_cast<unsigned int>(number(format + 4, 4));
-  const sf::Uint64 block_align = number(format + 12, 2);
-  return number(format, 2) == PCM && number(format + 14, 2) == 8 * BYTES_PER_SAMPLE &&
-         layout.channel_count > 0 && layout.sample_rate > 0 &&
-         block_align == BYTES_PER_SAMPLE * layout.channel_count;
+  layout.block_align = static_cast<unsigned int>(number(format + 12, 2));
+  layout.bits_per_sample = static_cast<unsigned int>(number(format + 14, 2));
+}
+
+bool WavReader::isPcm(const Layout& layout, unsigned int bits_per_sample) {
+  return layout.has_format && (layout.format_tag == PCM || layout.format_tag == EXTENSIBLE) &&
+         layout.bits_per_sample == bits_per_sample && layout.channel_count >= 1 &&
+         layout.channel_count <= MAX_CHANNELS && layout.sample_rate >= 1 &&
+         layout.sample_rate <= MAX_SAMPLE_RATE &&
+         layout.block_align == bits_per_sample / 8 * layout.channel_count;
+}
+
+bool WavReader::isLeftToSfml(const Layout& layout) {
+  return isPcm(layout, 8) || isPcm(layout, 24) || isPcm(layout, 32);
 }
 
 }  // namespace vt

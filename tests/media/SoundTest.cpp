@@ -119,24 +119,27 @@ TEST_F(SoundTest, ManagerHoldsSoundsAndMusicByLabelWhileStarted) {
   EXPECT_EQ(rm.loadMusic(song, "one-too-many"), -1);
 }
 
-// Files that are not 16-bit PCM WAV, or whose header is wrong, are refused
-// with SFML's reason ('@' stands for the path) and the manager's line.
+// Files that are not RIFF WAVE files are refused with SFML's reason ('@'
+// stands for the path), broken or unsupported WAV files with the reader's;
+// each then has the manager's line.
 TEST_F(SoundTest, BadSoundFilesAreRefusedWithTheirLogLines) {
   const std::string good = test::ResourceEngine::wavBytes(100);
   const std::string unsupported = "SFML: Failed to open sound file \"@\" (format not supported)";
-  const std::string invalid = "SFML: Failed to open WAV sound file (invalid or unsupported file)";
+  const std::string refused =
+      "WavReader::open(): Error! Not a WAV file of 8, 16, 24 or 32-bit PCM samples in 1 to 8 "
+      "channels.";
   vt::ResourceManager& rm = vt::ResourceManager::getInstance();
   const std::tuple<const char*, std::string, Lines> cases[] = {
       {"rifx", with(good, 3, "X"), {unsupported}},
       {"wavx", with(good, 11, "X"), {unsupported}},
-      {"float", with(good, 20, "\x03"s), {invalid}},
-      {"12-bit",
-       with(good, 34, "\x0c"s),
-       {"SFML: Unsupported sample size: 12 bit (Supported sample sizes are 8/16/24/32 bit)",
-        invalid}},
-      {"short-format", with(good, 16, "\x0f"s), {invalid}},
-      {"no-data", with(good, 36, "dat_"), {invalid}},
-      {"cut", good.substr(0, 36), {invalid}},
+      {"float", with(good, 20, "\x03"s), {refused}},
+      {"12-bit", with(good, 34, "\x0c"s), {refused}},
+      {"short-format", with(good, 16, "\x0f"s), {refused}},
+      {"no-data", with(good, 36, "dat_"), {refused}},
+      {"cut", good.substr(0, 36), {refused}},
+      {"data-first", good.substr(0, 12) + "data\0\0\0\0"s + good.substr(12), {refused}},
+      {"absurd-rate", with(good, 24, littleEndian(4000000000, 4)), {refused}},
+      {"nine-channels", with(with(good, 22, "\x09"s), 32, "\x12"s), {refused}},
       // Eight bits (which SFML reads) claiming two billion samples.
       {"liar",
        with(with(test::ResourceEngine::wavBytes(8), 32, "\x01\0\x08"s), 40,
