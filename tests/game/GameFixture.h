@@ -10,6 +10,7 @@
 #include "core/EventStep.h"
 #include "core/GameManager.h"
 #include "media/EventKeyboard.h"
+#include "media/EventMouse.h"
 #include "media/ResourceManager.h"
 #include "support/HeadlessEngine.h"
 #include "world/EventCollision.h"
@@ -63,6 +64,14 @@ class GameFixture : public testing::Test {
     event.setKey(key);
     event.setKeyboardAction(action);
     p_object->eventHandler(&event);
+  }
+
+  // The left button held down over the hero, which fires when it may.
+  static void holdFire(vt::Object* p_hero) {
+    vt::EventMouse held;
+    held.setMouseAction(vt::PRESSED);
+    held.setMouseButton(vt::Mouse::LEFT);
+    p_hero->eventHandler(&held);
   }
 
   // Tells both objects of a collision between them, as the world does.

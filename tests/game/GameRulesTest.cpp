@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <tuple>
 #include <vector>
 
 #include "Boss.h"
@@ -237,33 +238,14 @@ TEST_F(GameFixture, HeroMovesInsideItsBoundsAndFiresEveryFifthStep) {
   step(3);
   EXPECT_EQ(p_hero->getPosition(), Vector(4, 4));
 
-  vt::EventMouse held;
-  held.setMouseAction(vt::PRESSED);
-  held.setMouseButton(vt::Mouse::LEFT);
   int shots = 0;
   for (int i = 0; i < 20; i++) {
-    p_hero->eventHandler(&held);
+    holdFire(p_hero);
     shots += countOf("Bullet");
     world().markForDelete(world().objectsOfType("Bullet"));
     step();
   }
   EXPECT_EQ(shots, 8);
-}
-
-TEST_F(GameFixture, QDuringPlayRemovesOnlyTheHero) {
-  auto* p_title = new GameStart;
-  press(p_title, vt::Keyboard::P);
-  press(firstOf("Hero"), vt::Keyboard::Q);
-  world().update();
-  EXPECT_EQ(countOf("Hero"), 0);
-  EXPECT_EQ(countOf("Drelk"), 11);
-  EXPECT_EQ(countOf("GameOver"), 0);
-  EXPECT_FALSE(p_title->isActive());
-  EXPECT_FALSE(vt::GameManager::getInstance().getGameOver());
-  // Q on the title screen ends the game.
-  p_title->setActive(true);
-  press(p_title, vt::Keyboard::Q);
-  EXPECT_TRUE(vt::GameManager::getInstance().getGameOver());
 }
 
 TEST_F(GameFixture, TouchingTheHeroLoses) {
@@ -326,11 +308,8 @@ TEST_F(GameFixture, ScoreTicksStarsWrapTheReticleFollowsAndExplosionsFade) {
 
 TEST_F(GameFixture, ShotsLeaveBothGunsAndAreGoneOnceOffTheBoard) {
   auto* p_hero = new Hero;
-  vt::EventMouse held;
-  held.setMouseAction(vt::PRESSED);
-  held.setMouseButton(vt::Mouse::LEFT);
   step(5);
-  p_hero->eventHandler(&held);
+  holdFire(p_hero);
   const std::vector<vt::Object*> shots = allOf("Bullet");
   ASSERT_EQ(shots.size(), 2u);
   for (int i = 0; i < 2; i++) {
@@ -344,7 +323,7 @@ TEST_F(GameFixture, ShotsLeaveBothGunsAndAreGoneOnceOffTheBoard) {
   EXPECT_EQ(countOf("Bullet") + countOf("EnemyBullet"), 0);
 }
 
-TEST_F(GameFixture, EachScreenPlaysItsOwnMusicAndTheNukeCounterCountsDown) {
+TEST_F(GameFixture, EachScreenPlaysItsMusicTheNukeCounterCountsDownAndQLeaves) {
   vt::ResourceManager& resources = vt::ResourceManager::getInstance();
   const auto playing = [&resources](const char* label) {
     return resources.getMusic(label)->getStatus() == sf::SoundSource::Playing;
@@ -376,4 +355,14 @@ TEST_F(GameFixture, EachScreenPlaysItsOwnMusicAndTheNukeCounterCountsDown) {
   step(p_over->getTimeToLive());
   EXPECT_FALSE(playing("VictoryBGM"));
   EXPECT_TRUE(playing("start music"));
+  // Q during the next game removes only the hero; Q on the title ends it all.
+  press(p_title, vt::Keyboard::P);
+  press(firstOf("Hero"), vt::Keyboard::Q);
+  world().update();
+  EXPECT_EQ(std::tuple(countOf("Hero"), countOf("Drelk"), countOf("GameOver")),
+            std::tuple(0, 11, 0));
+  EXPECT_FALSE(p_title->isActive() || vt::GameManager::getInstance().getGameOver());
+  p_title->setActive(true);
+  press(p_title, vt::Keyboard::Q);
+  EXPECT_TRUE(vt::GameManager::getInstance().getGameOver());
 }
