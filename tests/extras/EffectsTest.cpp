@@ -47,13 +47,13 @@ int runSteps(int count, const std::string& type = "Particle") {
   return countOf(type);
 }
 
-// Headless, with frames that take no time.
 struct SplashTest : testing::Test {
   SplashTest() {
     std::ofstream(directory + "/config.txt")
         << "headless:true,\nframe_time:0,\nlogfile:" << directory << "/vantor.log,\n";
     setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
   }
+  void SetUp() override { ASSERT_EQ(GameManager::getInstance().startUp(), 0); }
   ~SplashTest() override {
     GameManager::getInstance().shutDown();
     test::restoreEngineSettings();
@@ -64,7 +64,6 @@ struct SplashTest : testing::Test {
 }  // namespace
 
 TEST_F(SplashTest, LeavesNothingBehindWhetherPlayedOutOrSkipped) {
-  ASSERT_EQ(GameManager::getInstance().startUp(), 0);
   int key_step = -1;
   auto* p_player = new test::RecordingObject;
   p_player->registerInterest(vt::STEP_EVENT);
@@ -79,9 +78,7 @@ TEST_F(SplashTest, LeavesNothingBehindWhetherPlayedOutOrSkipped) {
   }
 }
 
-// The banner comes to rest left of the centre, and the emblem beside it.
 TEST_F(SplashTest, TheBannerSlidesInAndTheEmblemRisesBesideIt) {
-  ASSERT_EQ(GameManager::getInstance().startUp(), 0);
   auto* p_banner = new vt::Splash;
   runSteps(50);
   const float middle = WorldManager::getInstance().getView().getHorizontal() / 2;

@@ -1,4 +1,3 @@
-// What the display manager, frames, view objects and shapes put on a real window's screen.
 #include <gtest/gtest.h>
 
 #include <SFML/Graphics.hpp>
@@ -46,7 +45,6 @@ sf::IntRect inkBounds(const sf::Image& image) {
   return {left, top, right - left + 1, bottom - top + 1};
 }
 
-// Pixels of the colour in the area.
 long countPixels(const sf::Image& image, sf::Color color, sf::IntRect area = {0, 0, 1024, 768}) {
   long count = 0;
   for (int i = 0; i < area.width * area.height; i++)

@@ -1,5 +1,3 @@
-// Both sprite file formats, read through the resource manager: what each file
-// loads as, or why it is refused, line for line as the log shows it.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -15,9 +13,7 @@ using Lines = std::vector<std::string>;
 
 namespace {
 
-vt::ResourceManager& rm() {
-  return vt::ResourceManager::getInstance();
-}
+vt::ResourceManager& rm = vt::ResourceManager::getInstance();
 
 std::string section(const std::string& tag, const Lines& lines) {
   std::string text = "<" + tag + ">\n";
@@ -51,8 +47,6 @@ const std::string EOF_LINE = "getLine(): Error! Unexpected end of file.";
 const std::string SIMPLE_EOF = "RM::loadSimpleSprite(): Error! Unexpected end of file.";
 const std::string UNKNOWN = "RM::loadSprite(): Error! Unknown sprite file format.";
 const std::string NO_FRAME = "RM::loadRobustSprite(): Error! No frame data to add.";
-const std::string OVERLONG =
-    "getLine(): Error! Line longer than 4096 characters; reading stops there.";
 const std::string SIMPLE_HEAD = "2\n3\n2\n0\nred\n";
 
 // Files that load, and what they load as. The bare format: counts, size, slowdown and colour,
@@ -101,7 +95,8 @@ const std::pair<std::string, Lines> REFUSED[] = {
     {"2000000000\n1\n1\n0\nred\n" + replaced(std::string(200000, 'x'), 'x', "x\n"),
      {EOF_LINE, SIMPLE_EOF, "\tReading frame 200001 of 2000000000, row 1 of 1."}},
     {"1\n4097\n1\n0\nred\n" + std::string(4097, 'y'),
-     {OVERLONG, "RM::loadSimpleSprite(): Error line 7!", "\tExtra file data: ''"}},
+     {"getLine(): Error! Line longer than 4096 characters; reading stops there.",
+      "RM::loadSimpleSprite(): Error line 7!", "\tExtra file data: ''"}},
     {robust({"frames 1", "width 1", "height 1", "color purple"}, {"x", "end"}),
      {"RM::loadRobustSprite(): Error! Unrecognized color 'purple'."}},
     {robust({"width 1", "height 1"}, {"x", "end"}),
@@ -132,10 +127,9 @@ TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
     if (sprite.empty()) log.push_back("RM::loadSprite(): Sprite 's' NOT loaded.");
     EXPECT_EQ(engine.loadSpriteText("s", text), sprite.empty() ? -1 : 0);
     EXPECT_EQ(engine.lastLoadLog(), log);
-    const vt::Sprite* p_sprite = rm().getSprite("s");
-    EXPECT_EQ(p_sprite ? describe(*p_sprite) : "", sprite);
-    EXPECT_EQ(rm().getSprite("keep")->getFrame(1).getString(), "def");
-    rm().unloadSprite("s");
+    EXPECT_EQ(rm.getSprite("s") ? describe(*rm.getSprite("s")) : "", sprite);
+    EXPECT_EQ(rm.getSprite("keep")->getFrame(1).getString(), "def");
+    rm.unloadSprite("s");
   };
   for (const auto& [text, sprite] : LOADED) load(text, {}, sprite);
   for (const auto& [text, log] : REFUSED) load(text, log, "");
@@ -157,30 +151,29 @@ TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
 TEST(SpriteFile, SpritesByLabelUpToAThousandAndOnObjects) {
   test::ResourceEngine engine;
   const std::string file = engine.writeFile("box.txt", "1\n5\n3\n0\nred\n.....\n.....\n.....\n");
-  for (const char* label : {"a", "b", "c", "b"}) ASSERT_EQ(rm().loadSprite(file, label), 0);
-  vt::Sprite* p_c = rm().getSprite("c");
-  EXPECT_EQ(rm().getSprite("B"), nullptr);
+  for (const char* label : {"a", "b", "c", "b"}) ASSERT_EQ(rm.loadSprite(file, label), 0);
+  vt::Sprite* p_c = rm.getSprite("c");
+  EXPECT_EQ(rm.getSprite("B"), nullptr);
   engine.newLogLines();
   const std::string missing = file + ".missing";
-  EXPECT_EQ(rm().loadSprite(missing, "ghost"), -1);
+  EXPECT_EQ(rm.loadSprite(missing, "ghost"), -1);
   EXPECT_EQ(engine.newLogLines(),
             (Lines{"RM::loadSprite(): Loading sprite '" + missing + "'.",
                    "RM::loadSprite(): Error! Cannot open file '" + missing + "'.",
                    "RM::loadSprite(): Sprite 'ghost' not loaded."}));
   // The first of two equal labels goes first; the others keep their order.
-  EXPECT_EQ(rm().unloadSprite("b") + rm().unloadSprite("b"), 0);
-  EXPECT_EQ(rm().unloadSprite("b"), -1);
-  EXPECT_EQ(std::pair(rm().getSprite("c"), rm().getSpriteCount()), std::pair(p_c, 2));
-  for (int i = 2; i < vt::MAX_SPRITES; i++) {
-    ASSERT_EQ(rm().loadSprite(file, "box" + std::to_string(i)), 0) << i;
-  }
+  EXPECT_EQ(rm.unloadSprite("b") + rm.unloadSprite("b"), 0);
+  EXPECT_EQ(rm.unloadSprite("b"), -1);
+  EXPECT_EQ(std::pair(rm.getSprite("c"), rm.getSpriteCount()), std::pair(p_c, 2));
+  for (int i = 2; i < vt::MAX_SPRITES; i++)
+    ASSERT_EQ(rm.loadSprite(file, "box" + std::to_string(i)), 0) << i;
   engine.newLogLines();
-  EXPECT_EQ(rm().loadSprite(file, "one-too-many"), -1);
+  EXPECT_EQ(rm.loadSprite(file, "one-too-many"), -1);
   EXPECT_EQ(engine.newLogLines(),
             (Lines{"RM::loadRobustSprite(): Error! Cannot add more Sprites (max is 1000).",
                    "RM::loadRobustSprite(): Sprite 'one-too-many' not loaded."}));
-  EXPECT_EQ(rm().unloadSprite("a"), 0);
-  EXPECT_EQ(rm().loadSprite(file, "one-more"), 0);
+  EXPECT_EQ(rm.unloadSprite("a"), 0);
+  EXPECT_EQ(rm.loadSprite(file, "one-more"), 0);
   // An object takes a sprite and its box by label; an unknown label changes neither.
   auto* p_object = new vt::Object;
   EXPECT_EQ(p_object->setSprite("boat"), -1);
@@ -188,7 +181,7 @@ TEST(SpriteFile, SpritesByLabelUpToAThousandAndOnObjects) {
   EXPECT_EQ(p_object->setSprite("c"), 0);
   EXPECT_EQ(p_object->getAnimation().getSprite(), p_c);
   EXPECT_EQ(p_object->getBox(), vt::Box(vt::Vector(-2.5f, -1.5f), 5, 3));
-  rm().shutDown();
-  ASSERT_EQ(rm().startUp(), 0);
-  EXPECT_EQ(rm().getSpriteCount(), 0);
+  rm.shutDown();
+  ASSERT_EQ(rm.startUp(), 0);
+  EXPECT_EQ(rm.getSpriteCount(), 0);
 }

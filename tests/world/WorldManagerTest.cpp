@@ -15,22 +15,17 @@
 #include "world/WorldManager.h"
 
 using namespace vt;
-using test::RecordingObject;
 
 namespace {
 
 WorldManager& world = WorldManager::getInstance();
 
-RecordingObject* makeObject(Vector position, Solidness solidness, Vector velocity = Vector()) {
-  auto* p_object = new RecordingObject;
+auto* makeObject(Vector position, Solidness solidness, Vector velocity = Vector()) {
+  auto* p_object = new test::RecordingObject;
   p_object->setPosition(position);
   p_object->setSolidness(solidness);
   p_object->setVelocity(velocity);
   return p_object;
-}
-
-void expectNear(Vector actual, Vector expected) {
-  EXPECT_NEAR((actual - expected).getMagnitude(), 0, 1e-4) << actual.toString();
 }
 
 float randomFloat(float low, float high) {
@@ -63,9 +58,9 @@ TEST(WorldManager, ObjectsMoveByVelocityAndThenAccelerate) {
     p_object->setAcceleration(c.acceleration);
     for (const Vector& expected : c.after) {
       world.update();
-      expectNear(p_object->getPosition(), expected);
+      EXPECT_NEAR((p_object->getPosition() - expected).getMagnitude(), 0, 1e-4);
     }
-    expectNear(p_object->getVelocity(), c.final_velocity);
+    EXPECT_NEAR((p_object->getVelocity() - c.final_velocity).getMagnitude(), 0, 1e-4);
   }
 }
 
@@ -161,7 +156,7 @@ TEST(WorldManager, AvoidingMoversSlideAlongWhatTheyHit) {
   auto* p_mover = makeObject(Vector(9, 8.5f), HARD, Vector(1, 1));
   p_mover->setAvoidCollisions(true);
   world.update();
-  expectNear(p_mover->getPosition(), Vector(9 + std::sqrt(2.0f), 8.5f));
+  EXPECT_NEAR((p_mover->getPosition() - Vector(9 + std::sqrt(2.0f), 8.5f)).getMagnitude(), 0, 1e-4);
   EXPECT_EQ(p_mover->count(COLLISION_EVENT), 0);
 }
 
