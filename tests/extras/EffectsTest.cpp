@@ -37,22 +37,23 @@ int countOf(const std::string& type) {
   return WorldManager::getInstance().objectsOfType(type).getCount();
 }
 
-// Sends one step to every step listener and updates the world.
-void runSteps(int count) {
+// Steps every step listener and the world; returns how many objects of the type are left.
+int runSteps(int count, const std::string& type = "Particle") {
   for (int i = 0; i < count; i++) {
     const vt::EventStep step(i);
     GameManager::getInstance().onEvent(&step);
     WorldManager::getInstance().update();
   }
+  return countOf(type);
 }
 
-// The engine is started headless, with frames that take no time.
 struct SplashTest : testing::Test {
   SplashTest() {
     std::ofstream(directory + "/config.txt")
         << "headless:true,\nframe_time:0,\nlogfile:" << directory << "/vantor.log,\n";
     setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
   }
+  void SetUp() override { ASSERT_EQ(GameManager::getInstance().startUp(), 0); }
   ~SplashTest() override {
     GameManager::getInstance().shutDown();
     test::restoreEngineSettings();
@@ -62,10 +63,7 @@ struct SplashTest : testing::Test {
 
 }  // namespace
 
-// Played to its end or skipped by a key at some step, the splash leaves no
-// object behind.
 TEST_F(SplashTest, LeavesNothingBehindWhetherPlayedOutOrSkipped) {
-  ASSERT_EQ(GameManager::getInstance().startUp(), 0);
   int key_step = -1;
   auto* p_player = new test::RecordingObject;
   p_player->registerInterest(vt::STEP_EVENT);
@@ -80,19 +78,15 @@ TEST_F(SplashTest, LeavesNothingBehindWhetherPlayedOutOrSkipped) {
   }
 }
 
-// The banner slides in to rest left of the centre; the emblem then rises
-// from below the view to its row beside it and stays.
 TEST_F(SplashTest, TheBannerSlidesInAndTheEmblemRisesBesideIt) {
-  ASSERT_EQ(GameManager::getInstance().startUp(), 0);
   auto* p_banner = new vt::Splash;
   runSteps(50);
   const float middle = WorldManager::getInstance().getView().getHorizontal() / 2;
   EXPECT_EQ(p_banner->getVelocity(), vt::Vector());
   EXPECT_NEAR(p_banner->getPosition().getX(), middle - 12, 12);
   ASSERT_EQ(countOf("SplashVantor"), 1);
-  const vt::Object* p_emblem = WorldManager::getInstance().objectsOfType("SplashVantor")[0];
-  const vt::Vector target = p_banner->getPosition() + vt::Vector(24, 1);
-  EXPECT_NEAR((p_emblem->getPosition() - target).getMagnitude(), 0, 0.01);
+  const Vector emblem = WorldManager::getInstance().objectsOfType("SplashVantor")[0]->getPosition();
+  EXPECT_NEAR((emblem - p_banner->getPosition() - Vector(24, 1)).getMagnitude(), 0, 0.01);
 }
 
 // Without a window the game goes on. With one, it is held inside the pause
@@ -129,48 +123,36 @@ TEST(Particles, PresetsSprayTheirCountAtTheirSpeedsAndLiveTheirLives) {
   test::HeadlessEngine engine;
   WorldManager::getInstance().setBoundary(vt::Box(Vector(-500, -500), 1000, 1000));
   std::srand(7);
-  const struct {
-    int preset, count;
-    float max_speed, drag;
-    Vector gravity;
-    int min_life, max_life;
-  } PRESETS[] = {{vt::PARTICLE_BURST, 200, 10.0f, 0.85f, Vector(), 8, 16},
-                 {vt::PARTICLE_SMOKE, 100, 0.15f, 0.95f, Vector(0, -0.02f), 20, 30},
-                 {vt::PARTICLE_SPARKLE, 160, 1.0f, 0.8f, Vector(), 5, 12}};
+  const std::tuple<int, int, float, float, Vector, int, int> PRESETS[] = {
+      {vt::PARTICLE_BURST, 200, 10.0f, 0.85f, Vector(), 8, 16},
+      {vt::PARTICLE_SMOKE, 100, 0.15f, 0.95f, Vector(0, -0.02f), 20, 30},
+      {vt::PARTICLE_SPARKLE, 160, 1.0f, 0.8f, Vector(), 5, 12}};
   const Vector origin(40, 12);
-  for (const auto& preset : PRESETS) {
-    SCOPED_TRACE(preset.preset);
-    ASSERT_EQ(vt::addParticles(preset.preset, origin, 20.0f, vt::RED), 0);
-    EXPECT_EQ(countOf("Particle"), preset.count);
+  for (const auto& [preset, count, max_speed, drag, gravity, min_life, max_life] : PRESETS) {
+    SCOPED_TRACE(preset);
+    ASSERT_EQ(vt::addParticles(preset, origin, 20.0f, vt::RED), 0);
+    EXPECT_EQ(countOf("Particle"), count);
     runSteps(1);
     // Moved by their velocity, which was slowed by the drag and pulled by the gravity.
     for (const vt::Object* p_particle : WorldManager::getInstance().objectsOfType("Particle")) {
       const Vector v = p_particle->getVelocity();
       EXPECT_EQ(p_particle->getPosition(), origin + v);
-      const Vector start = (v - preset.gravity) * (1 / preset.drag);
+      const Vector start = (v - gravity) * (1 / drag);
       const float speed = Vector(start.getX(), 2 * start.getY()).getMagnitude();
-      EXPECT_TRUE(speed > 0.2999f * preset.max_speed && speed < 1.0001f * preset.max_speed)
-          << speed;
+      EXPECT_TRUE(speed > 0.2999f * max_speed && speed < 1.0001f * max_speed) << speed;
     }
-    runSteps(preset.min_life - 2);
-    EXPECT_EQ(countOf("Particle"), preset.count);
-    runSteps(1);
-    EXPECT_LT(countOf("Particle"), preset.count);
-    runSteps(preset.max_life - preset.min_life - 1);
-    EXPECT_GT(countOf("Particle"), 0);
-    runSteps(1);
-    EXPECT_EQ(countOf("Particle"), 0);
+    EXPECT_EQ(runSteps(min_life - 2), count);
+    EXPECT_LT(runSteps(1), count);
+    EXPECT_GT(runSteps(max_life - min_life - 1), 0);
+    EXPECT_EQ(runSteps(1), 0);
   }
   // A rocket climbs and bursts; snow falls for 30 steps; unknown presets are refused.
   ASSERT_EQ(vt::addParticles(vt::PARTICLE_FIREWORK, origin, 1.0f, vt::CYAN), 0);
-  runSteps(20);
-  EXPECT_EQ(countOf("Firework"), 0);
+  EXPECT_EQ(runSteps(20, "Firework"), 0);
   EXPECT_GT(countOf("Particle"), 0);
   ASSERT_EQ(vt::addParticles(vt::PARTICLE_SNOW, Vector(), 1.0f, vt::WHITE), 0);
-  runSteps(29);
-  EXPECT_EQ(countOf("Precipitation"), 1);
-  runSteps(1);
-  EXPECT_EQ(countOf("Precipitation"), 0);
+  EXPECT_EQ(runSteps(29, "Precipitation"), 1);
+  EXPECT_EQ(runSteps(1, "Precipitation"), 0);
   EXPECT_EQ(vt::addParticles(42, Vector(), 1.0f, vt::WHITE), -1);
   // Their colour fades from their own to the background's over their life.
   unsigned char rgb[3];

@@ -22,17 +22,14 @@ using Strings = std::vector<std::string>;
 
 namespace {
 
-// The four bytes announcing a message of this size, header included.
-std::string sizeField(int size) {
-  return std::string(reinterpret_cast<const char*>(&size), sizeof(size));
-}
+// The header: the four bytes announcing a message of this size, header included.
+const auto sizeField = [](int size) { return std::string(reinterpret_cast<char*>(&size), 4); };
 
 std::string frame(const std::string& payload) {
   return sizeField(static_cast<int>(payload.size()) + MESSAGE_HEADER_SIZE) + payload;
 }
 
-// A plain TCP client on loopback, as a test's remote end.
-struct RawPeer {
+struct RawPeer {  // a plain TCP client on loopback
   explicit RawPeer(const std::string& port) {
     const sockaddr_in address{AF_INET, htons(std::stoi(port)), {htonl(INADDR_LOOPBACK)}, {}};
     if (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) close();
@@ -46,8 +43,7 @@ struct RawPeer {
     const ssize_t got = recv(fd, &byte, 1, MSG_PEEK | MSG_DONTWAIT);
     return got == 0 || (got < 0 && errno != EAGAIN);
   }
-  // With reset, the connection is reset instead of shut down in order.
-  void close(bool reset = false) {
+  void close(bool reset = false) {  // reset: abort the connection instead of shutting it down
     const linger abort_on_close{1, 0};
     if (reset) setsockopt(fd, SOL_SOCKET, SO_LINGER, &abort_on_close, sizeof(abort_on_close));
     ::close(std::exchange(fd, -1));
@@ -55,8 +51,7 @@ struct RawPeer {
   int fd = socket(AF_INET, SOCK_STREAM, 0);
 };
 
-// Networking on, serving on a free port, with an object that receives every
-// message it is told about; puts back what it changed in the singletons.
+// Serving on a free port, with an object that receives every message it is told about.
 class NetworkManagerTest : public testing::Test {
  protected:
   NetworkManagerTest() {
@@ -91,10 +86,8 @@ class NetworkManagerTest : public testing::Test {
   }
   // Runs the loop's network step until done() holds; false after 20 s or more.
   bool pumpUntil(const std::function<bool()>& done) {
-    for (int i = 0; i < 20000 && !done(); i++) {
-      network_manager.processFrame(Clock(), 33);
-      usleep(1000);
-    }
+    for (int i = 0; i < 20000 && !done(); i++)
+      network_manager.processFrame(Clock(), 33), usleep(1000);
     return done();
   }
   auto countLabel(int label) const {
@@ -160,8 +153,7 @@ TEST_F(NetworkManagerTest, FastPeerHasEveryMessageDeliveredInOrderThenItsClose) 
 TEST_F(NetworkManagerTest, ClientsBeyondTheLimitAreRefusedAndCloseRenumbersTheOthers) {
   acceptPeers(3);
   EXPECT_EQ(network_manager.close(0), 0);
-  ASSERT_TRUE(peers[1].write(frame("from B")));
-  ASSERT_TRUE(peers[2].write(frame("from C")));
+  ASSERT_TRUE(peers[1].write(frame("from B")) && peers[2].write(frame("from C")));
   ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_DATA) == 2; }));
   EXPECT_EQ(payloads, (std::map<int, Strings>{{0, {"from B"}}, {1, {"from C"}}}));
   network_manager.setMaxConnections(2);
@@ -170,8 +162,7 @@ TEST_F(NetworkManagerTest, ClientsBeyondTheLimitAreRefusedAndCloseRenumbersTheOt
   EXPECT_EQ(network_manager.getNumConnections(), 2);
 }
 
-// A read that fails is an error, not a message of no bytes.
-TEST_F(NetworkManagerTest, FailuresAreRefused) {
+TEST_F(NetworkManagerTest, AFailedReadIsAnErrorNotAMessageOfNoBytes) {
   acceptPeers(1);
   peers[0].close(true);
   char buffer[4];
@@ -179,37 +170,31 @@ TEST_F(NetworkManagerTest, FailuresAreRefused) {
   EXPECT_NE(engine.logText().find("\t104 - Connection reset by peer\n"), std::string::npos);
 }
 
-// Each hostile peer joins after a good one, connection 0, which must not
-// notice; a hung-up peer's whole messages are delivered before its close.
+// The good peer, connection 0, must not notice the hostile ones that join after it.
 TEST_F(NetworkManagerTest, BadSizesAndCutMessagesCloseOnlyTheOffenderAfterItsWholeMessages) {
   acceptPeers(1);
-  // The peer stays unless its size field is refused; then it closes or resets.
-  const struct {
-    std::string bytes;
-    int whole_messages, refused_size;
-    bool reset;
-  } CASES[] = {{sizeField(-5) + "junk", 0, -5, false},
-               {frame("whole") + sizeField(3), 1, 3, false},
-               {frame("whole") + sizeField(MAX_MESSAGE_SIZE + 1), 1, MAX_MESSAGE_SIZE + 1, false},
-               {sizeField(100).substr(0, 2), 0, 0, false},
-               {sizeField(100) + std::string(50, 'r'), 0, 0, true},
-               {frame("whole") + frame("whole") + frame("cut").substr(0, 6), 2, 0, false}};
-  for (const auto& hostile : CASES) {
+  // Bytes sent, whole messages in them, size refused; a peer not refused hangs up or resets.
+  const std::tuple<std::string, int, int, bool> CASES[] = {
+      {sizeField(-5) + "junk", 0, -5, false},
+      {frame("whole") + sizeField(3), 1, 3, false},
+      {frame("whole") + sizeField(MAX_MESSAGE_SIZE + 1), 1, MAX_MESSAGE_SIZE + 1, false},
+      {sizeField(100).substr(0, 2), 0, 0, false},
+      {sizeField(100) + std::string(50, 'r'), 0, 0, true},
+      {frame("whole") + frame("whole") + frame("cut").substr(0, 6), 2, 0, false}};
+  for (const auto& [bytes, whole_messages, refused_size, reset] : CASES) {
     acceptPeers(1);
-    events.clear();
-    payloads.clear();
-    ASSERT_TRUE(peers.back().write(hostile.bytes));
-    if (hostile.refused_size == 0) peers.back().close(hostile.reset);
-    const std::string sent = "good after " + std::to_string(hostile.whole_messages);
+    events.clear(), payloads.clear();
+    ASSERT_TRUE(peers.back().write(bytes));
+    if (refused_size == 0) peers.back().close(reset);
+    const std::string sent = "good after " + std::to_string(whole_messages);
     ASSERT_TRUE(peers[0].write(frame(sent)));
     ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_CLOSE) == 1 && payloads.count(0); }));
-    EXPECT_EQ(payloads[1], Strings(hostile.whole_messages, "whole"));
+    EXPECT_EQ(payloads[1], Strings(whole_messages, "whole"));
     EXPECT_EQ(payloads[0], Strings{sent});
-    if (hostile.refused_size == 0) continue;
+    if (refused_size == 0) continue;
     EXPECT_TRUE(pumpUntil([&] { return peers.back().sawClose(); }));
-    EXPECT_NE(
-        engine.logText().find("NetworkManager::genDataEvents(): Error! Message size " +
-                              std::to_string(hostile.refused_size) + " not in range [4,32768]."),
-        std::string::npos);
+    EXPECT_NE(engine.logText().find("NetworkManager::genDataEvents(): Error! Message size " +
+                                    std::to_string(refused_size) + " not in range [4,32768]."),
+              std::string::npos);
   }
 }

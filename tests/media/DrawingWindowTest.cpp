@@ -1,5 +1,3 @@
-// What the display manager, frames, view objects and shapes put on the
-// screen of a real window.
 #include <gtest/gtest.h>
 
 #include <SFML/Graphics.hpp>
@@ -22,19 +20,14 @@ using vt::Vector;
 
 namespace {
 
-struct Cell {
-  Vector position;
-  char ch;
-  vt::Color color;
-};
-using Cells = std::vector<Cell>;
+using Cells = std::vector<std::tuple<Vector, char, vt::Color>>;  // position, character, colour
 
 // The text's cells from (x, y) on, a row per line, added to the list.
 Cells cells(float x, float y, const std::string& text, vt::Color color = vt::WHITE,
             Cells list = {}) {
   Vector at(x, y);
   for (const char ch : text) {
-    if (ch != '\n') list.push_back({at, ch, color});
+    if (ch != '\n') list.emplace_back(at, ch, color);
     at = ch == '\n' ? Vector(x, at.getY() + 1) : at + Vector(1, 0);
   }
   return list;
@@ -43,22 +36,19 @@ Cells cells(float x, float y, const std::string& text, vt::Color color = vt::WHI
 // The bounding box of the pixels that are not black.
 sf::IntRect inkBounds(const sf::Image& image) {
   int left = 1024, top = 768, right = -1, bottom = -1;
-  for (int y = 0; y < 768; y++) {
-    for (int x = 0; x < 1024; x++) {
-      if (image.getPixel(x, y) == sf::Color::Black) continue;
-      left = std::min(left, x), top = std::min(top, y);
-      right = std::max(right, x), bottom = std::max(bottom, y);
-    }
+  for (int i = 0; i < 1024 * 768; i++) {
+    const int x = i % 1024, y = i / 1024;
+    if (image.getPixel(x, y) == sf::Color::Black) continue;
+    left = std::min(left, x), top = std::min(top, y);
+    right = std::max(right, x), bottom = std::max(bottom, y);
   }
   return {left, top, right - left + 1, bottom - top + 1};
 }
 
-// Pixels of the colour in the area.
 long countPixels(const sf::Image& image, sf::Color color, sf::IntRect area = {0, 0, 1024, 768}) {
   long count = 0;
-  for (int y = area.top; y < area.top + area.height; y++) {
-    for (int x = area.left; x < area.left + area.width; x++) count += image.getPixel(x, y) == color;
-  }
+  for (int i = 0; i < area.width * area.height; i++)
+    count += image.getPixel(area.left + i % area.width, area.top + i / area.width) == color;
   return count;
 }
 
@@ -81,11 +71,12 @@ class DrawingWindowTest : public ::testing::Test {
     return vt::test::captureWindow(*display.getWindow());
   }
 
-  // What was drawn since the last swap shows as the cells drawn one by one.
+  // What was drawn since the last swap, and then the world, shows as the cells drawn one by one.
   void expectShownAs(const Cells& expected, const std::string& what) {
+    world.draw();
     const sf::Image shown = showAndCapture();
     EXPECT_LT(countPixels(shown, sf::Color::Black), 1024 * 768) << what;
-    for (const Cell& cell : expected) display.drawCh(cell.position, cell.ch, cell.color);
+    for (const auto& [position, ch, color] : expected) display.drawCh(position, ch, color);
     EXPECT_EQ(vt::test::countDifferentPixels(shown, showAndCapture()), 0) << what;
   }
 
@@ -132,7 +123,6 @@ TEST_F(DrawingWindowTest, StringsFramesSpritesAndViewObjectsLandOnTheirCells) {
   auto* p_object = new vt::Object;
   EXPECT_EQ(p_object->setSprite("s"), 0);
   p_object->setPosition(Vector(30, 10));
-  world.draw();
   expectShownAs(cells(30, 10.5f, "_", vt::GREEN, cells(29, 9.5f, "(o)", vt::GREEN)), "sprite");
   world.markForDelete(p_object);
   world.update();
@@ -143,17 +133,14 @@ TEST_F(DrawingWindowTest, StringsFramesSpritesAndViewObjectsLandOnTheirCells) {
   p_view->setLocation(vt::TOP_LEFT);
   world.setView(vt::Box(Vector(5, 2), 80, 24));
   const float x = 80.0f / 6 + 5;
-  world.draw();
   expectShownAs(
       cells(x - 6, 3, "|", vt::WHITE,
             cells(x + 5, 3, "|", vt::WHITE, cells(x - 5, 2, "----------\n Score 42 \n----------"))),
       "view object with border");
   p_view->setBorder(false);
   p_view->setLocation(vt::TOP_LEFT);
-  world.draw();
   expectShownAs(cells(x - 4, 2, "Score 42"), "view object without border");
   p_view->setDrawValue(false);
-  world.draw();
   expectShownAs(cells(x - 2, 2, "Score"), "view object without value");
 }
 
@@ -161,8 +148,7 @@ TEST_F(DrawingWindowTest, GlyphsSitInTheirCellAndShakeBySeverityForTheGivenSteps
   // Cell (10, 5) starts at pixel (128, 160); the bold glyph is a little wider.
   const sf::IntRect still = shownGlyph();
   EXPECT_EQ(still, sf::IntRect(128, 166, 15, 20));
-  // Steps add up when asked to; offsets follow the last severity, and a
-  // severity of 0 moves one pixel down.
+  // Steps add up when asked to; offsets follow the last severity; severity 0 moves 1 pixel down.
   display.shake(2, 2, 3);
   display.shake(0, 0, 27, true);
   display.swapBuffers();
@@ -178,8 +164,7 @@ TEST_F(DrawingWindowTest, GlyphsSitInTheirCellAndShakeBySeverityForTheGivenSteps
 }
 
 TEST_F(DrawingWindowTest, LinesShapesAndBackgroundsLayerInCallOrder) {
-  // Cell 5 is drawn before the line and cell 8 after it: only cell 8's
-  // background covers the line.
+  // Cell 5 is drawn before the line and cell 8 after it: only cell 8's background covers it.
   display.drawCh(Vector(5, 1), ' ', vt::WHITE);
   EXPECT_EQ(display.drawLine(Vector(1, 1.5f), Vector(20, 1.5f), vt::RED), 0);
   display.drawCh(Vector(8, 1), ' ', vt::WHITE);
@@ -192,9 +177,8 @@ TEST_F(DrawingWindowTest, LinesShapesAndBackgroundsLayerInCallOrder) {
   shape.setType(vt::CIRCLE);
   shape.setType(-2);
   shape.setSize(12);
-  const sf::Color custom(10, 200, 30);
   shape.setColor(vt::CUSTOM);
-  shape.setRGB(custom.r, custom.g, custom.b);
+  shape.setRGB(10, 200, 30);
   shape.draw(Vector(10, 10));
   EXPECT_EQ(inkBounds(showAndCapture()), sf::IntRect(123, 314, 22, 24));
   // A named colour replaces the red, green and blue; opacity is the alpha.
@@ -206,7 +190,7 @@ TEST_F(DrawingWindowTest, LinesShapesAndBackgroundsLayerInCallOrder) {
   display.drawCh(Vector(3, 3), '#', vt::YELLOW);
   display.drawCh(Vector(6, 3), '#', 10, 20, 30);
   const sf::Image coloured = showAndCapture();
-  EXPECT_EQ(countPixels(coloured, custom), 0);
+  EXPECT_EQ(countPixels(coloured, {10, 200, 30}), 0);
   EXPECT_GT(countPixels(coloured, {128, 0, 127}) + countPixels(coloured, {128, 0, 126}), 20);
   EXPECT_GT(countPixels(coloured, sf::Color::Yellow) * countPixels(coloured, {10, 20, 30}), 0);
   EXPECT_GT(countPixels(coloured, sf::Color::Blue), 1024 * 768 - 2000);

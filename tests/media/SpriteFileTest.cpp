@@ -1,7 +1,6 @@
-// Both sprite file formats, read through the resource manager: what each file
-// loads as, or why it is refused, line for line as the log shows it.
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,9 +13,7 @@ using Lines = std::vector<std::string>;
 
 namespace {
 
-vt::ResourceManager& rm() {
-  return vt::ResourceManager::getInstance();
-}
+vt::ResourceManager& rm = vt::ResourceManager::getInstance();
 
 std::string section(const std::string& tag, const Lines& lines) {
   std::string text = "<" + tag + ">\n";
@@ -28,55 +25,55 @@ std::string robust(const Lines& header, const Lines& body, const Lines& footer =
   return section("HEADER", header) + section("BODY", body) + section("FOOTER", footer);
 }
 
-std::string repeated(const std::string& text, int count) {
+std::string replaced(const std::string& text, char from, const std::string& to) {
   std::string result;
-  for (int i = 0; i < count; i++) result += text;
+  for (const char ch : text) result += ch == from ? to : std::string(1, ch);
   return result;
 }
-
-std::string crlf(const std::string& text) {
-  std::string result;
-  for (const char ch : text) result += ch == '\n' ? std::string("\r\n") : std::string(1, ch);
-  return result;
-}
+const auto crlf = [](const std::string& text) { return replaced(text, '\n', "\r\n"); };
 
 // Size, slowdown, colour, transparency ("-" for none) and frames of a sprite.
 std::string describe(const vt::Sprite& sprite) {
+  std::ostringstream text;
   const char transparency = sprite.getTransparency();
-  std::string text = std::to_string(sprite.getWidth()) + "x" + std::to_string(sprite.getHeight()) +
-                     " s" + std::to_string(sprite.getSlowdown()) + " c" +
-                     std::to_string(sprite.getColor()) + " t" +
-                     (transparency ? std::string(1, transparency) : "-") + ":";
-  for (int i = 0; i < sprite.getFrameCount(); i++) text += " " + sprite.getFrame(i).getString();
-  return text;
+  text << sprite.getWidth() << "x" << sprite.getHeight() << " s" << sprite.getSlowdown() << " c"
+       << sprite.getColor() << " t" << (transparency ? transparency : '-') << ":";
+  for (int i = 0; i < sprite.getFrameCount(); i++) text << " " << sprite.getFrame(i).getString();
+  return text.str();
 }
 
-const Lines ONE = {"frames 1", "width 1", "height 1"};
 const Lines TWO_BY_THREE = {"frames 2", "width 3", "height 2"};
 const std::string EOF_LINE = "getLine(): Error! Unexpected end of file.";
 const std::string SIMPLE_EOF = "RM::loadSimpleSprite(): Error! Unexpected end of file.";
 const std::string UNKNOWN = "RM::loadSprite(): Error! Unknown sprite file format.";
 const std::string NO_FRAME = "RM::loadRobustSprite(): Error! No frame data to add.";
-const std::string OVERLONG =
-    "getLine(): Error! Line longer than 4096 characters; reading stops there.";
 const std::string SIMPLE_HEAD = "2\n3\n2\n0\nred\n";
 
-struct Case {
-  std::string text;
-  Lines log;                // after the opening line; a refusal adds its closing line
-  std::string sprite = "";  // describe() of what loads; empty when the file is refused
+// Files that load, and what they load as. The bare format: counts, size, slowdown and colour,
+// then the rows. The sectioned one: tagged header lines in any order, frames that each close
+// with "end", a footer with a version.
+const std::pair<std::string, std::string> LOADED[] = {
+    {crlf("+2 frames\n3 wide\n2\n4\ngreen\nabc\ndef\nghi\njkl\n"), "3x2 s4 c2 t-: abcdef ghijkl"},
+    {"1\n3\n1\n0\nwhite\na\rc\n", "3x1 s0 c7 t-: a\rc"},
+    {"1\n4096\n1\n0\nblack\n" + std::string(4096, 'w'),
+     "4096x1 s0 c0 t-: " + std::string(4096, 'w')},
+    {robust({"frames 2", "width 3", "height 2", "color blue", "transparency #", "slowdown 4"},
+            {"a#c", "def", "end", "ghi", "j#l", "end"}),
+     "3x2 s4 c4 t#: a#cdef ghij#l"},
+    {crlf(robust({"transparency ..x", "height 2", "width 1", "frames 1", "color black"},
+                 {".", "a", "end"})),
+     "1x2 s0 c0 t.: .a"},
+    // Colour, transparency and slowdown may be left out; the last of a
+    // repeated line counts, and lines no one asked for are let be.
+    {robust({"frames 1", "width 2", "height 1"}, {"xy", "end"}, {"version 2"}), "2x1 s0 c7 t-: xy"},
+    {robust({"width 5", "height 1", "frames 1", "width 2", "colour red", "slowdown 3"},
+            {"ab", "end"}, {"author me", "version 1", "version 2"}),
+     "2x1 s3 c7 t-: ab"},
 };
 
-const Case CASES[] = {
-    // The bare format: counts, size, slowdown and colour, then the rows;
-    // the first line of the sectioned format is its header tag.
-    {crlf("+2 frames\n3 wide\n2\n4\ngreen\nabc\ndef\nghi\njkl\n"),
-     {},
-     "3x2 s4 c2 t-: abcdef ghijkl"},
-    {"1\n3\n1\n0\nwhite\na\rc\n", {}, "3x1 s0 c7 t-: a\rc"},
-    {"1\n4096\n1\n0\nblack\n" + std::string(4096, 'w'),
-     {},
-     "4096x1 s0 c0 t-: " + std::string(4096, 'w')},
+// Files refused, with the log lines between the opening one and the closing one.
+const std::pair<std::string, Lines> REFUSED[] = {
+    // The first line of the sectioned format is its header tag.
     {"", {EOF_LINE, UNKNOWN, "RM::loadSprite(): First line is ''."}},
     {"0\n3\n1\n0\nred\nabc\n", {UNKNOWN, "RM::loadSprite(): First line is '0'."}},
     {"2", {EOF_LINE, SIMPLE_EOF, "\tMissing width (an integer)."}},
@@ -95,36 +92,18 @@ const Case CASES[] = {
     {SIMPLE_HEAD + "abc\ndef\nghi\njkl\nmno\n",
      {"RM::loadSimpleSprite(): Error line 10!", "\tExtra file data: 'mno'"}},
     // A claim of far more frames than the file holds costs only its rows.
-    {"2000000000\n1\n1\n0\nred\n" + repeated("x\n", 200000),
+    {"2000000000\n1\n1\n0\nred\n" + replaced(std::string(200000, 'x'), 'x', "x\n"),
      {EOF_LINE, SIMPLE_EOF, "\tReading frame 200001 of 2000000000, row 1 of 1."}},
     {"1\n4097\n1\n0\nred\n" + std::string(4097, 'y'),
-     {OVERLONG, "RM::loadSimpleSprite(): Error line 7!", "\tExtra file data: ''"}},
-    // The sectioned format: tagged header lines in any order, frames that
-    // each close with "end", a footer with a version.
-    {robust({"frames 2", "width 3", "height 2", "color blue", "transparency #", "slowdown 4"},
-            {"a#c", "def", "end", "ghi", "j#l", "end"}),
-     {},
-     "3x2 s4 c4 t#: a#cdef ghij#l"},
-    {crlf(robust({"transparency ..x", "height 2", "width 1", "frames 1", "color black"},
-                 {".", "a", "end"})),
-     {},
-     "1x2 s0 c0 t.: .a"},
-    // Colour, transparency and slowdown may be left out; the last of a
-    // repeated line counts, and lines no one asked for are let be.
-    {robust({"frames 1", "width 2", "height 1"}, {"xy", "end"}, {"version 2"}),
-     {},
-     "2x1 s0 c7 t-: xy"},
-    {robust({"width 5", "height 1", "frames 1", "width 2", "colour red", "slowdown 3"},
-            {"ab", "end"}, {"author me", "version 1", "version 2"}),
-     {},
-     "2x1 s3 c7 t-: ab"},
+     {"getLine(): Error! Line longer than 4096 characters; reading stops there.",
+      "RM::loadSimpleSprite(): Error line 7!", "\tExtra file data: ''"}},
     {robust({"frames 1", "width 1", "height 1", "color purple"}, {"x", "end"}),
      {"RM::loadRobustSprite(): Error! Unrecognized color 'purple'."}},
     {robust({"width 1", "height 1"}, {"x", "end"}),
      {"RM::loadRobustSprite(): Error! Missing 'frames' in header."}},
-    {section("HEADER", ONE) + section("BODY", {"x", "end"}),
+    {section("HEADER", {"frames 1", "width 1", "height 1"}) + section("BODY", {"x", "end"}),
      {EOF_LINE, "readData(): Error line 11! Expected '<FOOTER>', have ''."}},
-    {robust(ONE, {"x", "end"}, {"version"}),
+    {robust({"frames 1", "width 1", "height 1"}, {"x", "end"}, {"version"}),
      {"RM::loadRobustSprite(): Error! Missing 'version' in FOOTER (line 14)."}},
     // The body is counted once as it is read and again as frames are taken
     // from it: the line numbers quoted follow that count.
@@ -143,19 +122,18 @@ const Case CASES[] = {
 TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
   test::ResourceEngine engine;
   ASSERT_EQ(engine.loadSpriteText("keep", "2\n3\n1\n2\ncyan\nabc\ndef\n"), 0);
-  for (const Case& c : CASES) {
-    SCOPED_TRACE(c.text.substr(0, 80));
-    Lines log = c.log;
-    if (c.sprite.empty()) log.push_back("RM::loadSprite(): Sprite 's' NOT loaded.");
-    EXPECT_EQ(engine.loadSpriteText("s", c.text), c.sprite.empty() ? -1 : 0);
+  const auto load = [&](const std::string& text, Lines log, const std::string& sprite) {
+    SCOPED_TRACE(text.substr(0, 80));
+    if (sprite.empty()) log.push_back("RM::loadSprite(): Sprite 's' NOT loaded.");
+    EXPECT_EQ(engine.loadSpriteText("s", text), sprite.empty() ? -1 : 0);
     EXPECT_EQ(engine.lastLoadLog(), log);
-    const vt::Sprite* p_sprite = rm().getSprite("s");
-    EXPECT_EQ(p_sprite ? describe(*p_sprite) : "", c.sprite);
-    EXPECT_EQ(rm().getSprite("keep")->getFrame(1).getString(), "def");
-    rm().unloadSprite("s");
-  }
-  // From log level 5 on the header is summed up, and from 15 on the frames
-  // are written out row by row.
+    EXPECT_EQ(rm.getSprite("s") ? describe(*rm.getSprite("s")) : "", sprite);
+    EXPECT_EQ(rm.getSprite("keep")->getFrame(1).getString(), "def");
+    rm.unloadSprite("s");
+  };
+  for (const auto& [text, sprite] : LOADED) load(text, {}, sprite);
+  for (const auto& [text, log] : REFUSED) load(text, log, "");
+  // From log level 5 on the header is summed up; from 15 on the frames are written out too.
   vt::LogManager::getInstance().setLogLevel(15);
   ASSERT_EQ(engine.loadSpriteText("s", robust({"frames 2", "width 1", "height 2", "transparency #"},
                                               {"a", "b", "end", "c", "d", "end"})),
@@ -173,39 +151,37 @@ TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
 TEST(SpriteFile, SpritesByLabelUpToAThousandAndOnObjects) {
   test::ResourceEngine engine;
   const std::string file = engine.writeFile("box.txt", "1\n5\n3\n0\nred\n.....\n.....\n.....\n");
-  for (const char* label : {"a", "b", "c", "b"}) ASSERT_EQ(rm().loadSprite(file, label), 0);
-  vt::Sprite* p_c = rm().getSprite("c");
-  EXPECT_EQ(rm().getSprite("B"), nullptr);
+  for (const char* label : {"a", "b", "c", "b"}) ASSERT_EQ(rm.loadSprite(file, label), 0);
+  vt::Sprite* p_c = rm.getSprite("c");
+  EXPECT_EQ(rm.getSprite("B"), nullptr);
   engine.newLogLines();
   const std::string missing = file + ".missing";
-  EXPECT_EQ(rm().loadSprite(missing, "ghost"), -1);
+  EXPECT_EQ(rm.loadSprite(missing, "ghost"), -1);
   EXPECT_EQ(engine.newLogLines(),
             (Lines{"RM::loadSprite(): Loading sprite '" + missing + "'.",
                    "RM::loadSprite(): Error! Cannot open file '" + missing + "'.",
                    "RM::loadSprite(): Sprite 'ghost' not loaded."}));
   // The first of two equal labels goes first; the others keep their order.
-  EXPECT_EQ(rm().unloadSprite("b") + rm().unloadSprite("b"), 0);
-  EXPECT_EQ(rm().unloadSprite("b"), -1);
-  EXPECT_EQ(std::pair(rm().getSprite("c"), rm().getSpriteCount()), std::pair(p_c, 2));
-  for (int i = 2; i < vt::MAX_SPRITES; i++) {
-    ASSERT_EQ(rm().loadSprite(file, "box" + std::to_string(i)), 0) << i;
-  }
+  EXPECT_EQ(rm.unloadSprite("b") + rm.unloadSprite("b"), 0);
+  EXPECT_EQ(rm.unloadSprite("b"), -1);
+  EXPECT_EQ(std::pair(rm.getSprite("c"), rm.getSpriteCount()), std::pair(p_c, 2));
+  for (int i = 2; i < vt::MAX_SPRITES; i++)
+    ASSERT_EQ(rm.loadSprite(file, "box" + std::to_string(i)), 0) << i;
   engine.newLogLines();
-  EXPECT_EQ(rm().loadSprite(file, "one-too-many"), -1);
+  EXPECT_EQ(rm.loadSprite(file, "one-too-many"), -1);
   EXPECT_EQ(engine.newLogLines(),
             (Lines{"RM::loadRobustSprite(): Error! Cannot add more Sprites (max is 1000).",
                    "RM::loadRobustSprite(): Sprite 'one-too-many' not loaded."}));
-  EXPECT_EQ(rm().unloadSprite("a"), 0);
-  EXPECT_EQ(rm().loadSprite(file, "one-more"), 0);
-  // An object takes a sprite and its box by label and keeps both when the
-  // label is unknown.
+  EXPECT_EQ(rm.unloadSprite("a"), 0);
+  EXPECT_EQ(rm.loadSprite(file, "one-more"), 0);
+  // An object takes a sprite and its box by label; an unknown label changes neither.
   auto* p_object = new vt::Object;
   EXPECT_EQ(p_object->setSprite("boat"), -1);
   EXPECT_EQ(p_object->getBox(), vt::Object().getBox());
   EXPECT_EQ(p_object->setSprite("c"), 0);
   EXPECT_EQ(p_object->getAnimation().getSprite(), p_c);
   EXPECT_EQ(p_object->getBox(), vt::Box(vt::Vector(-2.5f, -1.5f), 5, 3));
-  rm().shutDown();
-  ASSERT_EQ(rm().startUp(), 0);
-  EXPECT_EQ(rm().getSpriteCount(), 0);
+  rm.shutDown();
+  ASSERT_EQ(rm.startUp(), 0);
+  EXPECT_EQ(rm.getSpriteCount(), 0);
 }

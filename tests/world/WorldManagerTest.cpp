@@ -14,33 +14,25 @@
 #include "world/SpatialGrid.h"
 #include "world/WorldManager.h"
 
-using test::RecordingObject;
-using vt::Box;
-using vt::Vector;
+using namespace vt;
 
 namespace {
 
-vt::WorldManager& world = vt::WorldManager::getInstance();
+WorldManager& world = WorldManager::getInstance();
 
-RecordingObject* makeObject(Vector position, vt::Solidness solidness, Vector velocity = Vector()) {
-  auto* p_object = new RecordingObject;
+auto* makeObject(Vector position, Solidness solidness, Vector velocity = Vector()) {
+  auto* p_object = new test::RecordingObject;
   p_object->setPosition(position);
   p_object->setSolidness(solidness);
   p_object->setVelocity(velocity);
   return p_object;
 }
 
-void expectNear(Vector actual, Vector expected) {
-  EXPECT_NEAR(actual.getX(), expected.getX(), 1e-4) << "x of " << actual.toString();
-  EXPECT_NEAR(actual.getY(), expected.getY(), 1e-4) << "y of " << actual.toString();
-}
-
 float randomFloat(float low, float high) {
   return low + (high - low) * static_cast<float>(std::rand()) / static_cast<float>(RAND_MAX);
 }
 
-// Mostly small boxes, some huge, some touching cell borders exactly, some
-// reaching back from their corner.
+// Mostly small boxes, some huge, some on cell borders, some reaching back from their corner.
 Box randomBox() {
   const float size = std::rand() % 10 == 0 ? randomFloat(100, 400) : randomFloat(0, 6);
   const float x = std::rand() % 5 == 0 ? 8.0f * (std::rand() % 10) : randomFloat(-100, 100);
@@ -62,55 +54,48 @@ TEST(WorldManager, ObjectsMoveByVelocityAndThenAccelerate) {
   for (const Case& c : cases) {
     SCOPED_TRACE(&c - cases);
     test::HeadlessEngine engine;
-    auto* p_object = makeObject(Vector(0, 0), vt::SPECTRAL, c.velocity);
+    auto* p_object = makeObject(Vector(0, 0), SPECTRAL, c.velocity);
     p_object->setAcceleration(c.acceleration);
     for (const Vector& expected : c.after) {
       world.update();
-      expectNear(p_object->getPosition(), expected);
+      EXPECT_NEAR((p_object->getPosition() - expected).getMagnitude(), 0, 1e-4);
     }
-    expectNear(p_object->getVelocity(), c.final_velocity);
+    EXPECT_NEAR((p_object->getVelocity() - c.final_velocity).getMagnitude(), 0, 1e-4);
   }
 }
 
 TEST(WorldManager, CollisionsFollowSolidness) {
-  struct Case {
-    vt::Solidness mover, other;
-    bool no_soft;
-    float other_speed;
-    bool moves;
-    int events;
-  } const cases[] = {
-      {vt::HARD, vt::HARD, false, 0, false, 1},    {vt::HARD, vt::HARD, false, -1, false, 2},
-      {vt::HARD, vt::SOFT, false, 0, true, 1},     {vt::HARD, vt::SOFT, true, 0, false, 1},
-      {vt::SOFT, vt::HARD, false, 0, true, 1},     {vt::SOFT, vt::SOFT, false, 0, true, 1},
-      {vt::SOFT, vt::SOFT, true, 0, false, 1},     {vt::SPECTRAL, vt::HARD, false, 0, true, 0},
-      {vt::HARD, vt::SPECTRAL, false, 0, true, 0},
+  // Mover and other solidness, mover's no-soft, other's speed; whether the mover moves, events.
+  const std::tuple<Solidness, Solidness, bool, float, bool, int> cases[] = {
+      {HARD, HARD, false, 0, false, 1},    {HARD, HARD, false, -1, false, 2},
+      {HARD, SOFT, false, 0, true, 1},     {HARD, SOFT, true, 0, false, 1},
+      {SOFT, HARD, false, 0, true, 1},     {SOFT, SOFT, false, 0, true, 1},
+      {SOFT, SOFT, true, 0, false, 1},     {SPECTRAL, HARD, false, 0, true, 0},
+      {HARD, SPECTRAL, false, 0, true, 0},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(&c - cases);
+  for (const auto& [mover, other, no_soft, speed, moves, events] : cases) {
+    SCOPED_TRACE(testing::Message() << mover << other << no_soft << speed);
     test::HeadlessEngine engine;
-    auto* p_mover = makeObject(Vector(10, 5), c.mover, Vector(1, 0));
-    p_mover->setNoSoft(c.no_soft);
-    auto* p_other = makeObject(Vector(11.5f, 5), c.other, Vector(c.other_speed, 0));
-    p_other->on_event = [&](const vt::Event* p_event) {
-      const auto* p_collision = dynamic_cast<const vt::EventCollision*>(p_event);
-      if (p_collision == nullptr || p_other->count(vt::COLLISION_EVENT) > 1) return;
-      // The first collision the other object hears of is the mover's move.
-      EXPECT_EQ(p_collision->getObject1(), p_mover);
-      EXPECT_EQ(p_collision->getObject2(), p_other);
-      EXPECT_EQ(p_collision->getPosition(), Vector(11, 5));
+    auto* p_mover = makeObject(Vector(10, 5), mover, Vector(1, 0));
+    p_mover->setNoSoft(no_soft);
+    auto* p_other = makeObject(Vector(11.5f, 5), other, Vector(speed, 0));
+    p_other->on_event = [&](const Event* p_event) {
+      const auto* p_hit = dynamic_cast<const EventCollision*>(p_event);
+      if (p_hit == nullptr || p_other->count(COLLISION_EVENT) > 1) return;
+      EXPECT_EQ(std::tuple(p_hit->getObject1(), p_hit->getObject2(), p_hit->getPosition()),
+                std::tuple(p_mover, p_other, Vector(11, 5)));
     };
     world.update();
-    EXPECT_EQ(p_mover->getPosition(), c.moves ? Vector(11, 5) : Vector(10, 5));
-    EXPECT_EQ(p_mover->count(vt::COLLISION_EVENT), c.events);
-    EXPECT_EQ(p_other->count(vt::COLLISION_EVENT), c.events);
+    EXPECT_EQ(p_mover->getPosition(), moves ? Vector(11, 5) : Vector(10, 5));
+    EXPECT_EQ(std::pair(p_mover->count(COLLISION_EVENT), p_other->count(COLLISION_EVENT)),
+              std::pair(events, events));
   }
 }
 
 TEST(WorldManager, OneOutEventPerCrossingOfTheBoundary) {
   test::HeadlessEngine engine;
   world.setBoundary(Box(Vector(0, 0), 80, 24));
-  auto* p_object = makeObject(Vector(78, 5), vt::SPECTRAL);
+  auto* p_object = makeObject(Vector(78, 5), SPECTRAL);
   // Out once the box no longer touches the boundary: at x 81, not at 80.
   const struct {
     Vector velocity;
@@ -119,28 +104,27 @@ TEST(WorldManager, OneOutEventPerCrossingOfTheBoundary) {
   for (const auto& run : runs) {
     p_object->setVelocity(run.velocity);
     for (int step = 0; step < run.steps; step++) world.update();
-    EXPECT_EQ(p_object->count(vt::OUT_EVENT), run.out_events) << p_object->getPosition().toString();
+    EXPECT_EQ(p_object->count(OUT_EVENT), run.out_events) << p_object->getPosition().toString();
   }
 }
 
 TEST(WorldManager, DeletionWaitsForTheEndOfTheStep) {
   test::HeadlessEngine engine;
-  auto* p_killer = makeObject(Vector(4, 5), vt::HARD, Vector(1, 0));
-  auto* p_victim = makeObject(Vector(5, 5), vt::HARD);
-  auto* p_late = makeObject(Vector(6, 5), vt::HARD, Vector(-1, 0));
-  p_killer->on_event = [&](const vt::Event*) {
-    // Marking twice, and marking the other party, are both safe.
-    EXPECT_EQ(world.markForDelete(p_victim), 0);
-    EXPECT_EQ(world.markForDelete(p_victim), 0);
+  auto* p_killer = makeObject(Vector(4, 5), HARD, Vector(1, 0));
+  auto* p_victim = makeObject(Vector(5, 5), HARD);
+  auto* p_late = makeObject(Vector(6, 5), HARD, Vector(-1, 0));
+  p_killer->on_event = [&](const Event*) {
+    EXPECT_EQ(std::pair(world.markForDelete(p_victim), world.markForDelete(p_victim)),
+              std::pair(0, 0));
     world.markForDelete(p_killer);
   };
   world.update();
   // Marked early in the step, the victim was still there for the later mover.
-  EXPECT_EQ(p_late->count(vt::COLLISION_EVENT), 1);
-  EXPECT_EQ(world.getAllObjects(true).getCount(), 1);
+  EXPECT_EQ(std::pair(p_late->count(COLLISION_EVENT), world.getAllObjects(true).getCount()),
+            std::pair(1, 1));
   world.update();
-  EXPECT_EQ(p_late->getPosition(), Vector(5, 5));
-  EXPECT_EQ(p_late->count(vt::COLLISION_EVENT), 1);
+  EXPECT_EQ(std::pair(p_late->getPosition(), p_late->count(COLLISION_EVENT)),
+            std::pair(Vector(5, 5), 1));
 }
 
 TEST(WorldManager, ViewFollowsOutsideItsSlackAndStaysInTheWorld) {
@@ -148,7 +132,7 @@ TEST(WorldManager, ViewFollowsOutsideItsSlackAndStaysInTheWorld) {
   world.setBoundary(Box(Vector(0, 0), 200, 100));
   world.setView(Box(Vector(0, 0), 80, 24));
   world.setViewSlack(Vector(0.5f, 0.5f));
-  auto* p_hero = makeObject(Vector(100, 50), vt::SPECTRAL);
+  auto* p_hero = makeObject(Vector(100, 50), SPECTRAL);
   ASSERT_EQ(world.setViewFollowing(p_hero), 0);
   EXPECT_EQ(world.getView().getCorner(), Vector(60, 38));
   // The slack zone reaches 20 columns and 6 rows from the view's centre.
@@ -168,73 +152,63 @@ TEST(WorldManager, ViewFollowsOutsideItsSlackAndStaysInTheWorld) {
 
 TEST(WorldManager, AvoidingMoversSlideAlongWhatTheyHit) {
   test::HeadlessEngine engine;
-  makeObject(Vector(10, 10), vt::HARD);
-  auto* p_mover = makeObject(Vector(9, 8.5f), vt::HARD, Vector(1, 1));
-  // Heading diagonally into the wall's top, it slides along it.
+  makeObject(Vector(10, 10), HARD);
+  auto* p_mover = makeObject(Vector(9, 8.5f), HARD, Vector(1, 1));
   p_mover->setAvoidCollisions(true);
   world.update();
-  expectNear(p_mover->getPosition(), Vector(9 + std::sqrt(2.0f), 8.5f));
-  EXPECT_EQ(p_mover->count(vt::COLLISION_EVENT), 0);
+  EXPECT_NEAR((p_mover->getPosition() - Vector(9 + std::sqrt(2.0f), 8.5f)).getMagnitude(), 0, 1e-4);
+  EXPECT_EQ(p_mover->count(COLLISION_EVENT), 0);
 }
 
 TEST(WorldManager, QueriesAndEventsSeeOnlyActiveObjects) {
   test::HeadlessEngine engine;
-  auto* p_a = makeObject(Vector(5, 5), vt::HARD);
-  makeObject(Vector(10, 5), vt::SPECTRAL);
-  auto* p_c = makeObject(Vector(5, 5), vt::SOFT);
+  auto* p_a = makeObject(Vector(5, 5), HARD);
+  makeObject(Vector(10, 5), SPECTRAL);
+  auto* p_c = makeObject(Vector(5, 5), SOFT);
   p_c->setActive(false);
   for (auto* p_object : {p_a, p_c}) p_object->registerInterest("phase");
-  vt::Event phase;
+  Event phase;
   phase.setType("phase");
   EXPECT_EQ(world.onEvent(&phase), 1);
-  const vt::ObjectList at = world.objectsAtPosition(Vector(5, 5));
+  const ObjectList at = world.objectsAtPosition(Vector(5, 5));
   EXPECT_TRUE(at.getCount() == 1 && at.contains(p_a));
-  EXPECT_EQ(world.objectsInBox(Box(Vector(0, 0), 10, 10)).getCount(), 2);
-  EXPECT_EQ(world.getAllObjects().getCount(), 2);
-  EXPECT_EQ(world.getAllObjects(true).getCount(), 3);
+  EXPECT_EQ(std::tuple(world.objectsInBox(Box(Vector(0, 0), 10, 10)).getCount(),
+                       world.getAllObjects().getCount(), world.getAllObjects(true).getCount()),
+            std::tuple(2, 2, 3));
 }
 
-// The grid answers exactly as a walk over a plain list in insertion order
-// would, whatever the boxes and however often they move; odd coordinates
-// neither hang it nor hide the others.
+// The grid answers as a walk over a list in insertion order would, however the boxes move;
+// odd coordinates neither hang it nor hide the others.
 TEST(SpatialGrid, AgreesWithABruteForceWalk) {
   std::srand(7);
   // The grid only compares addresses; the objects are never touched.
-  const auto object = [](int i) {
-    return reinterpret_cast<vt::Object*>(static_cast<std::uintptr_t>(i + 1) * 16);
-  };
+  const auto object = [](int i) { return reinterpret_cast<Object*>(std::uintptr_t(i + 1) * 16); };
   const float nan = std::numeric_limits<float>::quiet_NaN();
   std::vector<Box> boxes{Box(Vector(-3e9f, 5), 6e9f, 1), Box(Vector(nan, nan), 1, 1)};
   std::vector<int> order;  // The objects in the grid, in the order they went in.
-  vt::SpatialGrid grid;
+  SpatialGrid grid;
+  const auto insert = [&](int i) { grid.insert(object(i), boxes[i]), order.push_back(i); };
   for (int i = 0; i < 300; i++) {
     if (i >= 2) boxes.push_back(randomBox());
-    grid.insert(object(i), boxes[i]);
-    order.push_back(i);
+    insert(i);
   }
   for (int round = 0; round < 200; round++) {
     const int index = std::rand() % 300;
     const auto at = std::find(order.begin(), order.end(), index);
     const int action = std::rand() % 3;
-    if (action == 0) {
-      boxes[index] = randomBox();
-      grid.update(object(index), boxes[index]);
-    } else if (at == order.end()) {
-      grid.insert(object(index), boxes[index]);
-      order.push_back(index);
-    } else if (action == 1) {
-      grid.remove(object(index));
-      order.erase(at);
-    }
+    if (action == 0)
+      grid.update(object(index), boxes[index] = randomBox());
+    else if (at == order.end())
+      insert(index);
+    else if (action == 1)
+      grid.remove(object(index)), order.erase(at);
     const Box query = randomBox();
-    const vt::Object* p_ignore = object(std::rand() % 300);
-    std::vector<vt::Object*> expected;
+    const Object* p_ignore = object(std::rand() % 300);
+    std::vector<Object*> expected;
     for (const int i : order) {
-      if (object(i) != p_ignore && vt::boxIntersectsBox(query, boxes[i])) {
-        expected.push_back(object(i));
-      }
+      if (object(i) != p_ignore && boxIntersectsBox(query, boxes[i])) expected.push_back(object(i));
     }
-    const vt::ObjectList found = grid.query(query, p_ignore);
-    ASSERT_EQ(std::vector<vt::Object*>(found.begin(), found.end()), expected) << "round " << round;
+    const ObjectList found = grid.query(query, p_ignore);
+    ASSERT_EQ(std::vector<Object*>(found.begin(), found.end()), expected) << "round " << round;
   }
 }
