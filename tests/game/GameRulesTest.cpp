@@ -218,6 +218,12 @@ TEST_F(GameFixture, GameOverClearsTheBoardAndReactivatesTheTitle) {
 TEST_F(GameFixture, HeroMovesInsideItsBoundsAndFiresEveryFifthStep) {
   auto* p_hero = new Hero;
   EXPECT_EQ(p_hero->getPosition(), Vector(40, 20));
+  // A held key moves the hero one cell every other step, after two steps.
+  for (int i = 0; i < 10; i++) {
+    press(p_hero, vt::Keyboard::D, vt::KEY_DOWN);
+    step();
+  }
+  EXPECT_EQ(p_hero->getPosition(), Vector(44, 20));
   // Held keys stop one cell inside the bounds on every side.
   const struct {
     int key;

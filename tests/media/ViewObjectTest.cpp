@@ -42,12 +42,14 @@ TEST_F(ViewObjectTest, NineLocationsWithAndWithoutBorder) {
     }
   }
   // The border alone does not move the object; a location out of range
-  // changes nothing; a position set by hand has no location.
+  // changes nothing; a position set by hand, unless unchanged, has no location.
   p_view->setBorder(true);
   p_view->setLocation(9), p_view->setLocation(-1);
   EXPECT_EQ(std::pair(p_view->getLocation(), p_view->getPosition().getY()),
             std::pair(int(vt::BOTTOM_RIGHT), 23.0f));
-  p_view->setPosition(Vector(7, 3));
+  EXPECT_EQ(p_view->setPosition(p_view->getPosition()), 0);
+  EXPECT_EQ(p_view->getLocation(), int(vt::BOTTOM_RIGHT));
+  EXPECT_EQ(p_view->setPosition(Vector(7, 3)), 0);
   EXPECT_EQ(p_view->getLocation(), -1);
 }
 

@@ -17,6 +17,7 @@ TEST(Object, IdsAreUniqueAndFindTheirObject) {
   const int later_id = p_next->getId() + 50;
   p_next->setId(later_id);
   EXPECT_EQ((new vt::Object)->getId(), later_id + 1);
+  p_next->setActive(false);
   EXPECT_EQ(vt::WorldManager::getInstance().objectWithId(later_id), p_next);
 }
 
