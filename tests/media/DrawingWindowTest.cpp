@@ -181,11 +181,20 @@ TEST_F(DrawingWindowTest, LinesShapesAndBackgroundsLayerInCallOrder) {
   shape.setRGB(10, 200, 30);
   shape.draw(Vector(10, 10));
   EXPECT_EQ(inkBounds(showAndCapture()), sf::IntRect(123, 314, 22, 24));
-  // A named colour replaces the red, green and blue; opacity is the alpha.
+  for (const auto& [type, bounds] : {std::pair(vt::SQUARE, sf::IntRect(130, 317, 8, 9)),
+                                     std::pair(vt::TRIANGLE, sf::IntRect(117, 318, 9, 10))}) {
+    shape.setType(type);
+    shape.draw(Vector(10, 10));
+    EXPECT_EQ(inkBounds(showAndCapture()), bounds) << type;
+  }
+  // A new background colour shows from the next cell on, each cell's background inset.
   EXPECT_TRUE(display.setBackgroundColor(vt::BLUE));
+  display.drawCh(Vector(10, 10), ' ', vt::WHITE);
+  EXPECT_EQ(inkBounds(showAndCapture()), sf::IntRect(127, 326, 13, 32));
+  // A named colour replaces the red, green and blue; opacity is the alpha.
+  shape.setType(vt::CIRCLE);
   shape.setColor(vt::RED);
   shape.setOpacity(128);
-  display.swapBuffers();
   shape.draw(Vector(10, 10));
   display.drawCh(Vector(3, 3), '#', vt::YELLOW);
   display.drawCh(Vector(6, 3), '#', 10, 20, 30);
