@@ -154,6 +154,9 @@ TEST(Particles, PresetsSprayTheirCountAtTheirSpeedsAndLiveTheirLives) {
   EXPECT_EQ(runSteps(29, "Precipitation"), 1);
   EXPECT_EQ(runSteps(1, "Precipitation"), 0);
   EXPECT_EQ(vt::addParticles(42, Vector(), 1.0f, vt::WHITE), -1);
+  // A particle that leaves the world goes before its life ends.
+  new vt::Particle(Vector(495, 0), Vector(10, 0), '*', vt::RED, 100);
+  EXPECT_EQ(runSteps(2), 0);
   // Their colour fades from their own to the background's over their life.
   unsigned char rgb[3];
   for (const auto& [age, level] : {std::pair{0, 255}, {5, 128}, {10, 0}, {15, 0}}) {
