@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "core/Config.h"
 #include "core/EventStep.h"
 #include "core/GameManager.h"
 #include "extras/Particle.h"
@@ -159,8 +160,10 @@ TEST(Particles, PresetsSprayTheirCountAtTheirSpeedsAndLiveTheirLives) {
   EXPECT_EQ(runSteps(2), 0);
   // Their colour fades from their own to the background's over their life.
   unsigned char rgb[3];
-  for (const auto& [age, level] : {std::pair{0, 255}, {5, 128}, {10, 0}, {15, 0}}) {
+  vt::Config::getInstance().setWindowBackgroundColor(vt::BLUE);
+  for (const auto& [age, level, blue] :
+       {std::tuple{0, 255, 0}, {5, 128, 128}, {10, 0, 255}, {15, 0, 255}}) {
     vt::Particle::fadedColor(vt::YELLOW, age, 10, rgb[0], rgb[1], rgb[2]);
-    EXPECT_EQ(std::vector<int>(rgb, rgb + 3), (std::vector<int>{level, level, 0})) << age;
+    EXPECT_EQ(std::vector<int>(rgb, rgb + 3), (std::vector<int>{level, level, blue})) << age;
   }
 }

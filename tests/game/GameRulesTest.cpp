@@ -265,8 +265,8 @@ TEST_F(GameFixture, TouchingTheHeroLoses) {
   world().update();
   EXPECT_EQ(countOf("Hero"), 0);
   EXPECT_EQ(countOf("EnemyBullet"), 0);
-  // The hero went out in a burst of particles.
-  EXPECT_GT(countOf("Particle"), 0);
+  // The hero went out in four bursts of particles: two of 20, two of 30.
+  EXPECT_EQ(countOf("Particle"), 100);
 }
 
 TEST_F(GameFixture, EveryResourceOfTheGameLoads) {

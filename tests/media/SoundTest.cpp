@@ -162,6 +162,11 @@ TEST_F(SoundTest, BadSoundFilesAreRefusedWithTheirLogLines) {
   // A 16-bit file claiming more than it holds is cut to what it holds.
   const std::string liar = engine.writeWav("liar16.wav", 100, 2000000000);
   EXPECT_EQ(rm.loadSound(liar, "cut") + rm.loadMusic(liar, "cut"), 0);
+  // Whole frames of 8, 24 and 32 bits load too.
+  for (const std::string& layout : {"\x01\0\x08"s, "\x03\0\x18"s, "\x04\0\x20"s}) {
+    const std::string path = engine.writeFile("wide.wav", with(good, 32, layout));
+    EXPECT_EQ(rm.loadSound(path, "wide" + layout) + rm.loadMusic(path, "wide" + layout), 0);
+  }
 }
 
 // Stereo after an odd-sized chunk (which is padded): the samples as written,

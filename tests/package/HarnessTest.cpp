@@ -69,6 +69,14 @@ TEST(Harness, InputArrivesInTheLoopsOrderHeldInputRepeats) {
                                   "step 0", "key 0 0", "mouse 0 0 (5,3)", "key 0 36", "key 1 36",
                                   "mouse 1 0 (5,3)", "key 2 0", "step 1", "mouse 1 0 (5,3)",
                                   "key 2 0", "step 2", "key 1 0", "mouse 2 -1 (7,1)"}));
+  // What was held when the harness stopped is not held after a new start.
+  harness.holdKey(vt::Keyboard::B);
+  harness.holdMouse(vt::Mouse::RIGHT, vt::Vector(1, 1));
+  harness.shutDown();
+  ASSERT_EQ(harness.startUp(), 0);
+  auto* p_fresh = new Recorder;
+  harness.step(2);
+  EXPECT_EQ(p_fresh->seen, (std::vector<std::string>{"step 0", "step 1"}));
 }
 
 TEST(Harness, AFailedStartSaysWhereAndTheHarnessRestoresTheSettingsItForces) {
