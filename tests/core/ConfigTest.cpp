@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "core/Config.h"
+#include "core/LogManager.h"
 #include "core/Match.h"
 #include "support/HeadlessEngine.h"
 
@@ -46,4 +47,9 @@ TEST(Config, MatchFindsTheFirstEntryOfAKeyAndKeepsTheLastText) {
   EXPECT_EQ(matchKeepingBlanks(" :: x : 5 6 ,b:2", "x"), "5 6");
   EXPECT_EQ(matchKeepingBlanks("a: ,b:2", "a"), "");
   EXPECT_EQ(match("", "c"), "2");
+  // From log level 28 the entries and every comparison are traced.
+  test::HeadlessEngine engine;
+  vt::LogManager::getInstance().setLogLevel(28);
+  EXPECT_EQ(match("q:1,r:2", "r"), "2");
+  EXPECT_NE(engine.logText().find("match(): 0: q == r?"), std::string::npos);
 }

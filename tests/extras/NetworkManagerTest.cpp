@@ -109,6 +109,7 @@ TEST_F(NetworkManagerTest, ServerAndClientInOneProcessExchangeMessages) {
   ASSERT_EQ(network_manager.connect("127.0.0.1", port), 0);
   ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_ACCEPT) == 1; }));
   EXPECT_EQ(events, (std::vector<std::pair<int, int>>{{NETWORK_CONNECT, 0}, {NETWORK_ACCEPT, 1}}));
+  EXPECT_EQ(network_manager.send(0, frame("hello").data(), 0), 0);
   ASSERT_EQ(network_manager.send(0, frame("hello").data(), 9), 0);
   ASSERT_EQ(network_manager.send(1, frame("welcome, client").data(), 19), 0);
   ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_DATA) == 2; }));

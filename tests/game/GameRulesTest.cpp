@@ -342,7 +342,8 @@ TEST_F(GameFixture, EachScreenPlaysItsMusicTheNukeCounterCountsDownAndQLeaves) {
   const auto nuke_counter = [] {
     for (vt::Object* p_object : allOf("ViewObject")) {
       const auto* p_view = static_cast<vt::ViewObject*>(p_object);
-      if (p_view->getViewString() == "WIPE: ") return p_view->getValue();
+      if (p_view->getViewString() == "WIPE: " && p_view->getLocation() == vt::TOP_LEFT)
+        return p_view->getValue();
     }
     return -1;
   };
