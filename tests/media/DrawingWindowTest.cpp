@@ -96,6 +96,10 @@ TEST_F(DrawingWindowTest, OpensACentredWindowAndNeedsItsFont) {
   EXPECT_EQ(display.getWindow()->getSize(), sf::Vector2u(1024, 768));
   EXPECT_EQ(display.getWindow()->getPosition(), sf::Vector2i(128, 128));
   display.shutDown();
+  // A window one cell wide is still a window.
+  vt::Config::getInstance().setWindowHorizontalChars(1);
+  ASSERT_EQ(display.startUp(), 0);
+  display.shutDown();
   vt::Config::getInstance().setFontFile(config.folder() + "/missing.ttf");
   EXPECT_EQ(display.startUp(), -1);
   EXPECT_FALSE(display.isStarted() || display.getWindow());

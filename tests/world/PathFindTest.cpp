@@ -25,9 +25,11 @@ class Seeker : public vt::Object {
   explicit Seeker(Vector position) { setPosition(position); }
   int eventHandler(const vt::Event* p_event) override {
     const auto* p_path_event = dynamic_cast<const vt::EventPath*>(p_event);
-    if (p_path_event != nullptr) statuses.push_back(p_path_event->getStatus());
+    const int handled = Object::eventHandler(p_event);
+    // A path event the object did not take as handled shows as status -1.
+    if (p_path_event != nullptr) statuses.push_back(handled == 1 ? p_path_event->getStatus() : -1);
     collisions += p_event->getType() == vt::COLLISION_EVENT ? 1 : 0;
-    return Object::eventHandler(p_event);
+    return handled;
   }
   std::vector<int> statuses;
   int collisions = 0;
@@ -176,6 +178,7 @@ TEST_F(PathFindTest, SearchesEndWithTheirObjectsAndTheManager) {
   for (int budget : {0, -7}) paths.cycle(budget);
   EXPECT_TRUE(p_seeker->statuses.empty());
   EXPECT_EQ(paths.getPendingCount(), 1);
+  EXPECT_EQ(paths.insert(nullptr) + paths.remove(nullptr), -2);
   vt::WorldManager::getInstance().markForDelete(p_seeker);
   vt::WorldManager::getInstance().update();
   EXPECT_EQ(paths.getPendingCount(), 0);
