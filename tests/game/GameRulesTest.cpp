@@ -57,8 +57,7 @@ TEST_F(GameFixture, TheBossAbsorbs400HitsAndDiesOnThe401st) {
   collide(new Bullet(Vector(12, 10)), p_boss);
   EXPECT_EQ(countOf("GameOver"), 1);
   world().update();
-  EXPECT_EQ(countOf("Boss"), 0);
-  EXPECT_EQ(countOf("Explosion"), 1);
+  EXPECT_EQ(std::tuple(countOf("Boss"), countOf("Explosion")), std::tuple(0, 1));
 }
 
 TEST_F(GameFixture, TheBossFiresAFanOfThirteenEvery25Steps) {
@@ -120,13 +119,10 @@ TEST_F(GameFixture, NukesDestroyEnemyBulletsOnlyAndCost200) {
   new Drelk;
   press(p_hero, vt::Keyboard::SPACE);
   world().update();
-  EXPECT_EQ(countOf("EnemyBullet"), 0);
-  EXPECT_EQ(countOf("Drelk"), 1);
-  EXPECT_EQ(p_points->getValue(), -50);
-  EXPECT_EQ(p_hero->getNukeCount(), 4);
+  EXPECT_EQ(std::tuple(countOf("EnemyBullet"), countOf("Drelk")), std::tuple(0, 1));
+  EXPECT_EQ(std::pair(p_hero->getNukeCount(), p_points->getValue()), std::pair(4, -50));
   for (int i = 0; i < 5; i++) press(p_hero, vt::Keyboard::SPACE);
-  EXPECT_EQ(p_hero->getNukeCount(), 0);
-  EXPECT_EQ(p_points->getValue(), -50 - 4 * 200);
+  EXPECT_EQ(std::pair(p_hero->getNukeCount(), p_points->getValue()), std::pair(0, -50 - 4 * 200));
 }
 
 TEST_F(GameFixture, EveryDrelkDeletionScores10AndKillsAreReplaced) {
@@ -136,9 +132,8 @@ TEST_F(GameFixture, EveryDrelkDeletionScores10AndKillsAreReplaced) {
   collide(p_bullet, p_drelk);
   collide(new Bullet(p_drelk->getPosition()), p_drelk);
   world().update();
-  EXPECT_EQ(countOf("Drelk"), 1);
-  EXPECT_EQ(countOf("Explosion"), 1);
-  EXPECT_EQ(countOf("Bullet"), 0);
+  EXPECT_EQ(std::tuple(countOf("Drelk"), countOf("Explosion"), countOf("Bullet")),
+            std::tuple(1, 1, 0));
   EXPECT_EQ(pointsDisplay()->getValue(), 10);
 
   // Two drelks that overlap leave each other alone.
@@ -197,9 +192,8 @@ TEST_F(GameFixture, GameOverClearsTheBoardAndReactivatesTheTitle) {
   for (const char* gone : {"Drelk", "Bullet", "ViewObject", "EnemyBullet", "Boss", "Hero"}) {
     EXPECT_EQ(countOf(gone), 0) << gone;
   }
-  EXPECT_EQ(countOf("Star"), 3);
-  EXPECT_EQ(countOf("Points"), 1);
-  EXPECT_EQ(countOf("GameStart"), 1);
+  EXPECT_EQ(std::tuple(countOf("Star"), countOf("Points"), countOf("GameStart")),
+            std::tuple(3, 1, 1));
   // The board clearing deleted 11 drelks: 110 points.
   EXPECT_EQ(pointsDisplay()->getValue(), 110);
   EXPECT_FALSE(p_title->isActive());
