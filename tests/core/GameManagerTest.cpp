@@ -95,5 +95,6 @@ TEST_F(GameManagerTest, StartUpFailsWhenTheLogCannotBeOpened) {
   testing::internal::CaptureStderr();
   EXPECT_EQ(GameManager::getInstance().startUp(), -1);
   EXPECT_FALSE(vt::LogManager::getInstance().isStarted());
+  EXPECT_EQ(vt::LogManager::getInstance().startUp(), -1);
   testing::internal::GetCapturedStderr();
 }

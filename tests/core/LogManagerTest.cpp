@@ -10,6 +10,7 @@ using vt::LogManager;
 TEST(LogManager, LinesCarryTimeAndStepLevelsFilterThemAndOtherFilesGetTheirOwn) {
   test::HeadlessEngine engine;
   LogManager& log_manager = LogManager::getInstance();
+  EXPECT_TRUE(log_manager.isStarted());
   EXPECT_EQ(log_manager.writeLog("plain %d", 7), 7);
   EXPECT_EQ(log_manager.writeLog(1, "dropped"), 0);
   log_manager.setLogLevel(2);

@@ -2,6 +2,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -13,6 +14,7 @@
 #include "extras/Particles.h"
 #include "extras/Pause.h"
 #include "extras/Splash.h"
+#include "extras/SplashVantor.h"
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/InputManager.h"
@@ -88,6 +90,10 @@ TEST_F(SplashTest, TheBannerSlidesInAndTheEmblemRisesBesideIt) {
   ASSERT_EQ(countOf("SplashVantor"), 1);
   const Vector emblem = WorldManager::getInstance().objectsOfType("SplashVantor")[0]->getPosition();
   EXPECT_NEAR((emblem - p_banner->getPosition() - Vector(24, 1)).getMagnitude(), 0, 0.01);
+  // The emblem rises from 6 rows below the view in 30 steps.
+  auto* p_emblem = new vt::SplashVantor(Vector(40, 10));
+  EXPECT_EQ(std::pair(p_emblem->getPosition(), p_emblem->getVelocity()),
+            std::pair(Vector(40, 30), Vector(0, -20.0f / 30)));
 }
 
 // Without a window the game goes on. With one, it is held inside the pause
@@ -147,17 +153,22 @@ TEST(Particles, PresetsSprayTheirCountAtTheirSpeedsAndLiveTheirLives) {
     EXPECT_GT(runSteps(max_life - min_life - 1), 0);
     EXPECT_EQ(runSteps(1), 0);
   }
-  // A rocket climbs and bursts; snow falls for 30 steps; unknown presets are refused.
-  ASSERT_EQ(vt::addParticles(vt::PARTICLE_FIREWORK, origin, 1.0f, vt::CYAN), 0);
-  EXPECT_EQ(runSteps(20, "Firework"), 0);
-  EXPECT_GT(countOf("Particle"), 0);
-  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SNOW, Vector(), 1.0f, vt::WHITE), 0);
-  EXPECT_EQ(runSteps(29, "Precipitation"), 1);
-  EXPECT_EQ(runSteps(1, "Precipitation"), 0);
-  EXPECT_EQ(vt::addParticles(42, Vector(), 1.0f, vt::WHITE), -1);
   // A particle that leaves the world goes before its life ends.
   new vt::Particle(Vector(495, 0), Vector(10, 0), '*', vt::RED, 100);
   EXPECT_EQ(runSteps(2), 0);
+  WorldManager::getInstance().setView(vt::Box(Vector(), 80, 24));
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SNOW, Vector(), 1.0f, vt::WHITE), 0);
+  EXPECT_EQ(runSteps(29, "Precipitation"), 1);
+  // Snow falls for 30 steps, drifting sideways a tenth of a cell a step at most; a rocket
+  // climbs and bursts; unknown presets are refused.
+  EXPECT_GT(countOf("Particle"), 0);
+  for (const vt::Object* p_flake : WorldManager::getInstance().objectsOfType("Particle"))
+    EXPECT_LE(std::fabs(p_flake->getVelocity().getX()), 0.1001f);
+  EXPECT_EQ(runSteps(1, "Precipitation"), 0);
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_FIREWORK, origin, 1.0f, vt::CYAN), 0);
+  EXPECT_EQ(runSteps(20, "Firework"), 0);
+  EXPECT_GT(countOf("Particle"), 0);
+  EXPECT_EQ(vt::addParticles(42, Vector(), 1.0f, vt::WHITE), -1);
   // Their colour fades from their own to the background's over their life.
   unsigned char rgb[3];
   vt::Config::getInstance().setWindowBackgroundColor(vt::BLUE);

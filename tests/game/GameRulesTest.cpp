@@ -292,6 +292,7 @@ TEST_F(GameFixture, ScoreTicksStarsWrapTheReticleFollowsAndExplosionsFade) {
   EXPECT_LT(p_star->getPosition().getY(), 24);
 
   auto* p_reticle = new Reticle;
+  EXPECT_EQ(p_reticle->getSolidness(), vt::SPECTRAL);
   vt::EventMouse move;
   move.setMouseAction(vt::MOVED);
   move.setMousePosition(Vector(7, 9));

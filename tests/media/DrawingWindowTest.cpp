@@ -96,9 +96,12 @@ TEST_F(DrawingWindowTest, OpensACentredWindowAndNeedsItsFont) {
   EXPECT_EQ(display.getWindow()->getSize(), sf::Vector2u(1024, 768));
   EXPECT_EQ(display.getWindow()->getPosition(), sf::Vector2i(128, 128));
   display.shutDown();
-  // A window one cell wide is still a window.
+  // A window one cell wide is still a window, cleared to the configured colour.
   vt::Config::getInstance().setWindowHorizontalChars(1);
+  vt::Config::getInstance().setWindowBackgroundColor(vt::BLUE);
   ASSERT_EQ(display.startUp(), 0);
+  display.swapBuffers();
+  EXPECT_EQ(showAndCapture().getPixel(500, 300), sf::Color::Blue);
   display.shutDown();
   vt::Config::getInstance().setFontFile(config.folder() + "/missing.ttf");
   EXPECT_EQ(display.startUp(), -1);
