@@ -2,6 +2,10 @@
 
 #include "GameStart.h"
 #include "Star.h"
+#include "core/GameManager.h"
+#include "extras/Pause.h"
+#include "extras/Splash.h"
+#include "media/EventKeyboard.h"
 #include "media/ResourceManager.h"
 
 void loadResources() {
@@ -34,4 +38,12 @@ void loadResources() {
 void populateWorld() {
   for (int i = 0; i < 16; i++) new Star;
   new GameStart;
+}
+
+void playGame() {
+  vt::splash();
+  loadResources();
+  populateWorld();
+  new vt::Pause(vt::Keyboard::F10);
+  vt::GameManager::getInstance().run();
 }

@@ -1,11 +1,7 @@
-// The shooter's entry point: start the engine, show the splash, set up the
-// game, run the loop.
+// The shooter's entry point: start the engine, play, stop the engine.
 #include "Setup.h"
 #include "core/GameManager.h"
 #include "core/LogManager.h"
-#include "extras/Pause.h"
-#include "extras/Splash.h"
-#include "media/EventKeyboard.h"
 
 int main() {
   vt::GameManager& game_manager = vt::GameManager::getInstance();
@@ -15,11 +11,7 @@ int main() {
     return 1;
   }
   vt::LogManager::getInstance().setFlush(false);
-  vt::splash();
-  loadResources();
-  populateWorld();
-  new vt::Pause(vt::Keyboard::F10);
-  game_manager.run();
+  playGame();
   game_manager.shutDown();
   return 0;
 }

@@ -16,6 +16,7 @@
 #include "core/EventStep.h"
 #include "core/LogManager.h"
 #include "extras/NetworkManager.h"
+#include "extras/Recorder.h"
 #include "media/DisplayManager.h"
 #include "media/InputManager.h"
 #include "media/ResourceManager.h"
@@ -105,6 +106,8 @@ int GameManager::startUp() {
   }
   Config& config = Config::getInstance();
   config.loadConfig("");
+  const char* p_headless = std::getenv("VANTOR_HEADLESS");
+  if (p_headless != nullptr && std::string(p_headless) == "1") config.setHeadless(true);
   if (log_manager.startUp() != 0) {
     std::fprintf(stderr, "vantor: cannot start the log manager: cannot write %s\n",
                  logFilePath().c_str());
@@ -116,6 +119,11 @@ int GameManager::startUp() {
   log_manager.writeLog("** Game engine started **");
   log_manager.writeLog("%s", STARS);
   config.printConfig();
+  if (Recorder::getInstance().startFromEnvironment() != 0) {
+    reportStartFailure("recorder", log_manager.getLastMessage());
+    log_manager.writeLog("Error starting recorder!");
+    return -1;
+  }
   log_manager.writeLog(1, "Working directory:");
   char directory[256];
   log_manager.writeLog(1, "  %s",
@@ -167,7 +175,11 @@ int GameManager::startManagers() {
 void GameManager::seedRandom() const {
   auto seed = static_cast<std::uint32_t>(Config::getInstance().getRandomSeed());
   if (seed == 0) seed = static_cast<std::uint32_t>(std::time(nullptr));
-  if (seed != 0xFFFFFFFFu) {
+  // A replay takes the recorded seed instead; -1 stands for no seeding.
+  const long long chosen =
+      Recorder::getInstance().chooseSeed(seed == 0xFFFFFFFFu ? -1 : static_cast<long long>(seed));
+  seed = static_cast<std::uint32_t>(chosen);
+  if (chosen != -1) {
     LogManager::getInstance().writeLog(10, "GameManager()::startUp(): srand() seed with %d",
                                        static_cast<int>(seed));
     std::srand(seed);
@@ -177,6 +189,9 @@ void GameManager::seedRandom() const {
 void GameManager::shutDown() {
   LogManager& log_manager = LogManager::getInstance();
   game_over = true;
+  Recorder& recorder = Recorder::getInstance();
+  const bool from_environment = recorder.isFromEnvironment();
+  const bool replay_failed = recorder.stop() != 0 && from_environment;
   if (previous_timer_slack != 0 && prctl(PR_SET_TIMERSLACK, previous_timer_slack, 0, 0, 0) != 0) {
     log_manager.writeLog(
         1, "GameManager()::shutDown(): Warning! timeEndPeriod() cannot accept 1 msec.");
@@ -186,6 +201,8 @@ void GameManager::shutDown() {
   log_manager.writeLog("** Game engine stopped **");
   log_manager.shutDown();
   Manager::shutDown();
+  // The game's own main cannot know: the process says it.
+  if (replay_failed) std::exit(REPLAY_FAILED_STATUS);
 }
 
 void GameManager::stopManagers() {
@@ -206,9 +223,12 @@ void GameManager::run() {
   step_count = 0;
   Clock clock;
   std::int64_t adjust_time = 0;
-  while (!game_over) {
+  const Recorder& recorder = Recorder::getInstance();
+  // A replay runs as fast as it can unless asked for the recorded pace.
+  const bool paced = !recorder.isReplaying() || recorder.isPaced();
+  while (!game_over && !recorder.hasFailed()) {
     clock.delta();
-    adjust_time = iterate(clock, adjust_time, true);
+    adjust_time = iterate(clock, adjust_time, paced);
   }
   log_manager.writeLog(1, "GameManager::run(): end of game loop");
 }
@@ -222,6 +242,8 @@ std::int64_t GameManager::iterate(const Clock& clock, std::int64_t adjust_time, 
   const EventStep step_event(step_count);
   onEvent(&step_event);
   DisplayManager::getInstance().swapBuffers();
+  Recorder& recorder = Recorder::getInstance();
+  recorder.beginStep();
   InputManager::getInstance().getInput();
   if (Config::getInstance().getNetworking()) {
     NetworkManager::getInstance().processFrame(clock, frame_time);
@@ -229,12 +251,19 @@ std::int64_t GameManager::iterate(const Clock& clock, std::int64_t adjust_time, 
   WorldManager& world_manager = WorldManager::getInstance();
   world_manager.update();
   world_manager.draw();
-  // Unpaced, the searches get a frame's time, and at least one pass.
-  PathManager::getInstance().cycle(paced ? pathBudget(clock, adjust_time)
-                                         : std::max(frame_time, 1));
+  recorder.endStep(searchPaths(clock, adjust_time, paced));
   if (paced) adjust_time = sleepRestOfFrame(clock, adjust_time);
   step_count++;
   return adjust_time;
+}
+
+int GameManager::searchPaths(const Clock& clock, std::int64_t adjust_time, bool paced) const {
+  PathManager& path_manager = PathManager::getInstance();
+  const Recorder& recorder = Recorder::getInstance();
+  // How far the searches get must not depend on the time left in a replay.
+  if (recorder.isReplaying()) return path_manager.cycleTurns(recorder.getRecordedPathCalls());
+  // Unpaced, the searches get a frame's time, and at least one pass.
+  return path_manager.cycle(paced ? pathBudget(clock, adjust_time) : std::max(frame_time, 1));
 }
 
 std::int64_t GameManager::frameMicroseconds() const {

@@ -8,6 +8,9 @@
 namespace vt {
 
 const float VANTOR_VERSION = 4.17f;
+// The exit status of a game whose replay (VANTOR_REPLAY) did not unfold as
+// recorded.
+const int REPLAY_FAILED_STATUS = 3;
 
 // Owns the game loop: starts the other managers in order, runs one iteration
 // per frame at a fixed frame time and stops them again.
@@ -40,6 +43,8 @@ class GameManager : public Manager {
   // is left of the frame and sleeps away the rest. Returns the oversleep to
   // carry into the next iteration.
   std::int64_t iterate(const class Clock& clock, std::int64_t adjust_time, bool paced);
+  // Runs the path searches for this step; returns the turns they took.
+  int searchPaths(const class Clock& clock, std::int64_t adjust_time, bool paced) const;
   int startManagers();
   void stopManagers();
   void seedRandom() const;

@@ -12,6 +12,8 @@
 #include "core/Config.h"
 #include "core/GameManager.h"
 #include "core/LogManager.h"
+#include "extras/Recorder.h"
+#include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/EventMouse.h"
 #include "media/InputManager.h"
@@ -88,12 +90,15 @@ int Harness::startUp(const std::string& new_log_file) {
     restoreEnvironment();
     return -1;
   }
+  DisplayManager::getInstance().setCapture(true);
   started = true;
   return 0;
 }
 
 void Harness::shutDown() {
   if (!started) return;
+  Recorder::getInstance().setStepObserver(nullptr);
+  step_checks.clear();
   GameManager::getInstance().shutDown();
   restoreEnvironment();
   held_keys.clear();
@@ -181,6 +186,61 @@ void Harness::queueMouse(int action, int button) const {
 void Harness::queueHeldInput() const {
   for (const int button : held_buttons) queueMouse(PRESSED, button);
   for (const int key : held_keys) queueKey(key, KEY_DOWN);
+}
+
+int Harness::replay(const std::string& recording_file) {
+  if (!started) return -1;
+  watchSteps();
+  return Recorder::getInstance().startReplay(recording_file);
+}
+
+int Harness::record(const std::string& recording_file) {
+  if (!started) return -1;
+  watchSteps();
+  return Recorder::getInstance().startRecording(recording_file);
+}
+
+void Harness::watchSteps() {
+  Recorder::getInstance().setStepObserver([this](int step) {
+    const auto found = step_checks.find(step);
+    if (found == step_checks.end()) return;
+    for (const std::function<void()>& check : found->second) check();
+  });
+}
+
+int Harness::finishReplay() {
+  return Recorder::getInstance().stop();
+}
+
+std::string Harness::replayFailure() const {
+  return Recorder::getInstance().getFailure();
+}
+
+void Harness::atStep(int step, std::function<void()> check) {
+  step_checks[step].push_back(std::move(check));
+}
+
+std::string Harness::frameText() const {
+  return DisplayManager::getInstance().getFrame().toText();
+}
+
+std::string Harness::checkFrame(const std::string& golden_file) const {
+  const std::string actual = frameText();
+  const char* p_update = std::getenv("VANTOR_UPDATE_GOLDEN");
+  if (p_update != nullptr && std::string(p_update) == "1") {
+    std::ofstream(golden_file) << actual;
+    return "";
+  }
+  std::ifstream golden(golden_file);
+  std::stringstream expected;
+  expected << golden.rdbuf();
+  const std::string differences =
+      golden ? describeFrameDifferences(expected.str(), actual)
+             : "there is no golden frame '" + golden_file + "' (VANTOR_UPDATE_GOLDEN=1 writes it)\n";
+  if (differences.empty()) return "";
+  std::ofstream(golden_file + ".new") << actual;
+  std::ofstream(golden_file + ".diff") << differences;
+  return golden_file + " differs (the new frame is in " + golden_file + ".new):\n" + differences;
 }
 
 std::string Harness::logText() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -11,8 +12,9 @@ namespace vt {
 // Runs a game without a window, for tests: starts the engine headless with
 // its log in a chosen place, advances the game loop a given number of steps
 // at once (in the loop's own order, without sleeping), hands key and mouse
-// input to the objects registered for it as the input manager does, reads
-// the log, and stops the engine again, undoing what it changed.
+// input to the objects registered for it as the input manager does, replays
+// recorded sessions, compares what was drawn with golden frames, reads the
+// log, and stops the engine again, undoing what it changed.
 class Harness {
  public:
   Harness() = default;
@@ -57,6 +59,31 @@ class Harness {
   void holdMouse(int button, Vector where);
   void releaseMouse(int button);
 
+  // Replays a recording (made with VANTOR_RECORD or record) from the next
+  // step on: the steps then take their input from it instead of from the
+  // calls above. The recording must have the game's frame time and grid.
+  // 0 on success, -1 with a log line.
+  int replay(const std::string& recording_file);
+  // Records the steps from here on into the file; 0 on success.
+  int record(const std::string& recording_file);
+  // Ends a replay or recording. 0 when a replay ran to its last step with
+  // the world as recorded, else -1; replayFailure then says where.
+  int finishReplay();
+  std::string replayFailure() const;
+  // Calls check at the end of the given step of a replay or recording
+  // (counted from its first step), inside the loop: for looking at a game
+  // whose main runs the loop itself.
+  void atStep(int step, std::function<void()> check);
+
+  // The frame the last step drew, as text (see the guide).
+  std::string frameText() const;
+  // Compares the last step's frame with a golden frame file: "" when they
+  // match, else a cell-by-cell description of the differences; the frame
+  // is then written beside it as golden_file + ".new", and the description
+  // as golden_file + ".diff". With VANTOR_UPDATE_GOLDEN=1 in the
+  // environment the golden file is (re)written instead and "" returned.
+  std::string checkFrame(const std::string& golden_file) const;
+
   std::string getLogFile() const { return log_file; }
   // Everything written to the log so far.
   std::string logText() const;
@@ -67,6 +94,8 @@ class Harness {
   void queueMouse(int action, int button) const;
   void queueHeldInput() const;
   void restoreEnvironment() const;
+  // Runs the checks of atStep at their steps.
+  void watchSteps();
 
   bool started = false;
   std::string folder;
@@ -74,6 +103,7 @@ class Harness {
   std::vector<int> held_keys;
   std::vector<int> held_buttons;
   Vector mouse_position;
+  std::map<int, std::vector<std::function<void()>>> step_checks;
   // What startUp changed, put back by shutDown.
   bool had_config_variable = false;
   std::string config_variable;

@@ -5,6 +5,7 @@
 #include "core/LogManager.h"
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
+#include "media/InputManager.h"
 
 namespace vt {
 
@@ -42,6 +43,8 @@ int Pause::eventHandler(const Event* p_event) {
 }
 
 bool Pause::waitForKeyPress() {
+  // A replay goes on at once: the recording holds what came after the pause.
+  if (InputManager::getInstance().isReplaying()) return true;
   sf::RenderWindow* p_window = DisplayManager::getInstance().getWindow();
   if (p_window == nullptr) return false;
   bool paused = true;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <random>
 #include <vector>
 
 #include "core/Config.h"
@@ -89,11 +90,14 @@ class DisplayProbe {
   Display* p_display;
 };
 
-// A pixel offset in [1 - severity, severity + 1], stepping by two.
+// A pixel offset in [1 - severity, severity + 1], stepping by two. The
+// shake has numbers of its own: a game's random numbers must not depend on
+// whether it runs in a window.
 int shakeOffset(int severity) {
+  static std::mt19937 shake_random;
   const int span = severity + 1;
   if (span < 1) return 0;
-  return span - 2 * (std::rand() % span);
+  return span - 2 * static_cast<int>(shake_random() % static_cast<unsigned>(span));
 }
 
 // Characters for which sf::Text draws no glyph.
@@ -298,6 +302,7 @@ int DisplayManager::startUp() {
     p_cells = std::make_unique<CellBatch>(sf::Vector2f(charWidth(), charHeight()),
                                           window_horizontal_chars, window_vertical_chars);
   }
+  frame.reset(window_horizontal_chars, window_vertical_chars, config.getWindowBackgroundColor());
   setBackgroundColor(config.getWindowBackgroundColor());
   Manager::startUp();
   log_manager.writeLog(5, "DisplayManager::startUp(): successfully started.");
@@ -360,6 +365,7 @@ int DisplayManager::loadFont() {
 }
 
 void DisplayManager::shutDown() {
+  capturing = false;
   p_cells.reset();
   if (p_window != nullptr) p_window->close();
   // The font's textures and the window go while the display is still there.
@@ -374,8 +380,13 @@ bool DisplayManager::canDraw() const {
   return p_window != nullptr;
 }
 
+bool DisplayManager::canDrawCells() const {
+  if (notStarted()) return false;
+  return p_window != nullptr || capturing;
+}
+
 int DisplayManager::drawCh(Vector world_pos, char ch, Color color) {
-  if (Config::getInstance().getHeadless()) return -1;
+  if (Config::getInstance().getHeadless() && !capturing) return -1;
   unsigned char r = 255;
   unsigned char g = 255;
   unsigned char b = 255;
@@ -385,8 +396,11 @@ int DisplayManager::drawCh(Vector world_pos, char ch, Color color) {
 
 int DisplayManager::drawCh(Vector world_pos, char ch, unsigned char r, unsigned char g,
                            unsigned char b) {
-  if (!canDraw()) return -1;
-  const Vector pixels = spacesToPixels(worldToView(world_pos));
+  if (!canDrawCells()) return -1;
+  const Vector view_pos = worldToView(world_pos);
+  frame.put(view_pos, ch, r, g, b);
+  if (p_window == nullptr) return 0;
+  const Vector pixels = spacesToPixels(view_pos);
   const float px = pixels.getX();
   const float py = pixels.getY();
   // The far edges are the near edges of the next cell, to the last bit, so
@@ -427,7 +441,7 @@ void DisplayManager::flushCells() {
 }
 
 int DisplayManager::drawString(Vector world_pos, std::string str, Justification just, Color color) {
-  if (!canDraw()) return -1;
+  if (!canDrawCells()) return -1;
   const int length = static_cast<int>(str.size());
   Vector start = world_pos;
   if (just == CENTER_JUSTIFIED) start.setX(start.getX() - static_cast<float>(length / 2));
@@ -458,6 +472,7 @@ int DisplayManager::drawDrawable(const sf::Drawable& drawable) {
 }
 
 bool DisplayManager::setBackgroundColor(Color new_color) {
+  frame_background = new_color;
   if (Config::getInstance().getHeadless()) return false;
   const sf::Color sfml_color = colorToSFML(new_color);
   // Backgrounds of another colour than the window was cleared to are drawn whole.
@@ -468,7 +483,12 @@ bool DisplayManager::setBackgroundColor(Color new_color) {
   return true;
 }
 
+void DisplayManager::setCapture(bool new_capturing) {
+  capturing = new_capturing;
+}
+
 int DisplayManager::swapBuffers() {
+  if (isStarted()) frame.reset(window_horizontal_chars, window_vertical_chars, frame_background);
   if (!canDraw()) return -1;
   flushCells();
   p_window->display();

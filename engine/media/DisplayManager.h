@@ -7,6 +7,7 @@
 #include "core/Color.h"
 #include "core/Manager.h"
 #include "core/Vector.h"
+#include "media/CellFrame.h"
 
 namespace vt {
 
@@ -41,6 +42,14 @@ class DisplayManager : public Manager {
   bool setBackgroundColor(Color new_color);
   // Shows the frame drawn since the last swap and starts the next one.
   int swapBuffers();
+  // The characters drawn since the last swap: after a step of the loop,
+  // the whole frame the world drew. Kept in a window always; headless only
+  // while capturing.
+  const CellFrame& getFrame() const { return frame; }
+  // Headless, draws into the cell frame (and drawing succeeds) instead of
+  // failing quietly. For tests, golden frames and replays.
+  void setCapture(bool new_capturing);
+  bool isCapturing() const { return capturing; }
   // Jitters the screen for duration steps; add lengthens and strengthens a
   // shake under way.
   void shake(int severity_x, int severity_y, int duration, bool add = false);
@@ -59,6 +68,8 @@ class DisplayManager : public Manager {
   int loadFont();
   // True when drawing may go ahead; logs when the manager is not started.
   bool canDraw() const;
+  // The same for drawing into the cell frame, which needs no window.
+  bool canDrawCells() const;
   void addGlyph(sf::Uint32 code, sf::Vector2f position, sf::Color color);
   // Draws the characters collected since the last flush.
   void flushCells();
@@ -68,6 +79,9 @@ class DisplayManager : public Manager {
   unsigned int char_size = 0;
   // The characters drawn since the last flush, waiting to be drawn at once.
   std::unique_ptr<CellBatch> p_cells;
+  CellFrame frame;
+  Color frame_background = BLACK;
+  bool capturing = false;
   sf::Color window_background_color = sf::Color::Black;
   int window_horizontal_pixels = 0;
   int window_vertical_pixels = 0;

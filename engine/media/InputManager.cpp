@@ -86,7 +86,12 @@ void InputManager::shutDown() {
 
 void InputManager::getInput() {
   if (notStarted()) return;
+  delivered_input.clear();
   sendQueuedEvents();
+  if (replaying) {
+    sendReplayInput();
+    return;
+  }
   if (Config::getInstance().getHeadless()) return;
   sf::RenderWindow* p_window = DisplayManager::getInstance().getWindow();
   if (p_window == nullptr) {
@@ -107,6 +112,15 @@ void InputManager::queueEvent(const EventMouse& mouse_event) {
   queued_events.emplace_back(mouse_event);
 }
 
+void InputManager::setReplaying(bool new_replaying) {
+  replaying = new_replaying;
+  replay_input.clear();
+}
+
+void InputManager::setReplayInput(std::vector<InputRecord> input) {
+  replay_input = std::move(input);
+}
+
 void InputManager::sendQueuedEvents() {
   // Handlers may queue more: those wait for the next step.
   const std::vector<std::variant<EventKeyboard, EventMouse>> sending = std::move(queued_events);
@@ -116,13 +130,43 @@ void InputManager::sendQueuedEvents() {
   }
 }
 
+// The window's own input is left aside, but its close button still works.
+void InputManager::sendReplayInput() {
+  sf::RenderWindow* p_window = DisplayManager::getInstance().getWindow();
+  sf::Event event;
+  while (p_window != nullptr && p_window->pollEvent(event)) {
+    if (event.type == sf::Event::Closed) {
+      closeWindow();
+      return;
+    }
+  }
+  const std::vector<InputRecord> input = std::move(replay_input);
+  replay_input.clear();
+  for (const InputRecord& record : input) {
+    if (record.kind == InputRecord::CLOSE) {
+      closeWindow();
+      return;
+    }
+    if (record.kind == InputRecord::KEY) {
+      sendKey(record.code, record.action);
+    } else {
+      sendMouse(record.action, record.code, record.position);
+    }
+  }
+}
+
+void InputManager::closeWindow() {
+  LogManager::getInstance().writeLog(
+      1, "InputManager::getInput(): Window close event. Setting game over.");
+  delivered_input.push_back(InputRecord());
+  GameManager::getInstance().setGameOver(true);
+}
+
 bool InputManager::sendWindowEvents(sf::Window& window) {
   sf::Event event;
   while (window.pollEvent(event)) {
     if (event.type == sf::Event::Closed) {
-      LogManager::getInstance().writeLog(
-          1, "InputManager::getInput(): Window close event. Setting game over.");
-      GameManager::getInstance().setGameOver(true);
+      closeWindow();
       return false;
     }
     sendWindowEvent(event);
@@ -133,17 +177,18 @@ bool InputManager::sendWindowEvents(sf::Window& window) {
 void InputManager::sendWindowEvent(const sf::Event& event) {
   switch (event.type) {
     case sf::Event::KeyPressed:
-      sendKey(event.key, KEY_PRESSED);
+      sendKey(toEventKeyboard(event.key).getKey(), KEY_PRESSED);
       break;
     case sf::Event::KeyReleased:
-      sendKey(event.key, KEY_RELEASED);
+      sendKey(toEventKeyboard(event.key).getKey(), KEY_RELEASED);
       break;
     case sf::Event::MouseMoved:
-      sendMouse(MOVED, Mouse::UNDEFINED_MOUSE_BUTTON, event.mouseMove.x, event.mouseMove.y);
+      sendMouse(MOVED, Mouse::UNDEFINED_MOUSE_BUTTON,
+                pixelsToCells(event.mouseMove.x, event.mouseMove.y));
       break;
     case sf::Event::MouseButtonPressed:
-      sendMouse(CLICKED, buttonFromSFML(event.mouseButton.button), event.mouseButton.x,
-                event.mouseButton.y);
+      sendMouse(CLICKED, buttonFromSFML(event.mouseButton.button),
+                pixelsToCells(event.mouseButton.x, event.mouseButton.y));
       break;
     default:
       break;
@@ -159,39 +204,34 @@ EventKeyboard InputManager::toEventKeyboard(const sf::Event::KeyEvent& key_event
   return keyboard_event;
 }
 
-void InputManager::sendKey(const sf::Event::KeyEvent& key_event, EventKeyboardAction action) {
-  EventKeyboard keyboard_event = toEventKeyboard(key_event);
+void InputManager::sendKey(int key, int action) {
+  EventKeyboard keyboard_event;
+  keyboard_event.setKey(key);
   keyboard_event.setKeyboardAction(action);
+  delivered_input.push_back({InputRecord::KEY, action, key, Vector()});
   onEvent(&keyboard_event);
 }
 
-void InputManager::sendMouse(int action, int button, int pixel_x, int pixel_y) {
+void InputManager::sendMouse(int action, int button, Vector position) {
   EventMouse mouse_event;
   mouse_event.setMouseAction(action);
   mouse_event.setMouseButton(button);
-  mouse_event.setMousePosition(pixelsToCells(pixel_x, pixel_y));
+  mouse_event.setMousePosition(position);
+  delivered_input.push_back({InputRecord::MOUSE, action, button, position});
   onEvent(&mouse_event);
 }
 
 void InputManager::sendHeldButtons(const sf::Window& window) {
   const sf::Vector2i pixels = sf::Mouse::getPosition(window);
-  EventMouse mouse_event;
-  mouse_event.setMouseAction(PRESSED);
-  mouse_event.setMousePosition(pixelsToCells(pixels.x, pixels.y));
+  const Vector position = pixelsToCells(pixels.x, pixels.y);
   for (const sf::Mouse::Button button : POLLED_BUTTONS) {
-    if (!sf::Mouse::isButtonPressed(button)) continue;
-    mouse_event.setMouseButton(buttonFromSFML(button));
-    onEvent(&mouse_event);
+    if (sf::Mouse::isButtonPressed(button)) sendMouse(PRESSED, buttonFromSFML(button), position);
   }
 }
 
 void InputManager::sendHeldKeys() {
-  EventKeyboard keyboard_event;
-  keyboard_event.setKeyboardAction(KEY_DOWN);
   for (const KeyBinding& binding : polledKeys()) {
-    if (!sf::Keyboard::isKeyPressed(binding.sfml_key)) continue;
-    keyboard_event.setKey(binding.engine_key);
-    onEvent(&keyboard_event);
+    if (sf::Keyboard::isKeyPressed(binding.sfml_key)) sendKey(binding.engine_key, KEY_DOWN);
   }
 }
 

@@ -9,6 +9,7 @@
 #include "core/Manager.h"
 #include "media/EventKeyboard.h"
 #include "media/EventMouse.h"
+#include "media/InputRecord.h"
 
 namespace vt {
 
@@ -35,6 +36,16 @@ class InputManager : public Manager {
   void queueEvent(const EventKeyboard& keyboard_event);
   void queueEvent(const EventMouse& mouse_event);
 
+  // Replaying, the input comes from setReplayInput instead of the window,
+  // whose close request alone is still obeyed.
+  void setReplaying(bool new_replaying);
+  bool isReplaying() const { return replaying; }
+  // The outside input of the next getInput while replaying.
+  void setReplayInput(std::vector<InputRecord> input);
+  // The outside input (window or replay, not the queued events) the last
+  // getInput delivered, in delivery order.
+  const std::vector<InputRecord>& getDeliveredInput() const { return delivered_input; }
+
   // A keyboard event with the engine code of the SFML key; the action is
   // left for the caller.
   EventKeyboard toEventKeyboard(const sf::Event::KeyEvent& key_event) const;
@@ -46,13 +57,19 @@ class InputManager : public Manager {
   // Delivers the queued window events; false when the window asked to close.
   bool sendWindowEvents(sf::Window& window);
   void sendWindowEvent(const sf::Event& event);
-  void sendKey(const sf::Event::KeyEvent& key_event, EventKeyboardAction action);
-  void sendMouse(int action, int button, int pixel_x, int pixel_y);
+  void sendKey(int key, int action);
+  void sendMouse(int action, int button, Vector position);
   void sendHeldButtons(const sf::Window& window);
   void sendHeldKeys();
   void sendQueuedEvents();
+  void sendReplayInput();
+  // Ends the game at the window's close request.
+  void closeWindow();
 
   std::vector<std::variant<EventKeyboard, EventMouse>> queued_events;
+  bool replaying = false;
+  std::vector<InputRecord> replay_input;
+  std::vector<InputRecord> delivered_input;
 };
 
 }  // namespace vt

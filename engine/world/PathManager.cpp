@@ -1,6 +1,7 @@
 #include "world/PathManager.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "core/Clock.h"
 #include "core/LogManager.h"
@@ -69,28 +70,42 @@ int PathManager::getPendingCount() const {
          static_cast<int>(std::count(pending.begin(), pending.end(), nullptr));
 }
 
-void PathManager::cycle(int time_ms) {
-  if (notStarted()) return;
+int PathManager::cycle(int time_ms) {
+  if (notStarted()) return 0;
   const int budget_ms = std::max(min_time_ms, time_ms);
   const Clock clock;
-  closeGaps();
-  while (!pending.empty() && elapsedMs(clock) < budget_ms) cyclePass(clock, budget_ms);
+  const int turns = runTurns([&](int) { return elapsedMs(clock) < budget_ms; },
+                             [&](int) { return elapsedMs(clock) > budget_ms; });
   if (elapsedMs(clock) > budget_ms) {
     LogManager::getInstance().writeLog(5, "PathManager::cycle(): cycle time %d exceeded.",
                                        budget_ms);
   }
+  return turns;
 }
 
-void PathManager::cyclePass(const Clock& clock, int budget_ms) {
-  // Indexed: handlers may add searches (at the end) or remove them (leaving
-  // gaps) while the pass goes on.
-  for (std::size_t i = 0; i < pending.size(); i++) {
-    if (pending[i] == nullptr) continue;
-    const int status = pending[i]->cycleOnce();
-    if (status != PATH_SEARCHING) finish(i, status);
-    if (elapsedMs(clock) > budget_ms) break;
-  }
+int PathManager::cycleTurns(int max_turns) {
+  if (notStarted()) return 0;
+  return runTurns([&](int turns) { return turns < max_turns; },
+                  [&](int turns) { return turns >= max_turns; });
+}
+
+int PathManager::runTurns(const std::function<bool(int)>& may_start_pass,
+                          const std::function<bool(int)>& must_stop) {
+  int turns = 0;
   closeGaps();
+  while (!pending.empty() && may_start_pass(turns)) {
+    // Indexed: handlers may add searches (at the end) or remove them
+    // (leaving gaps) while the pass goes on.
+    for (std::size_t i = 0; i < pending.size(); i++) {
+      if (pending[i] == nullptr) continue;
+      const int status = pending[i]->cycleOnce();
+      turns++;
+      if (status != PATH_SEARCHING) finish(i, status);
+      if (must_stop(turns)) break;
+    }
+    closeGaps();
+  }
+  return turns;
 }
 
 void PathManager::finish(std::size_t index, int status) {

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "core/Manager.h"
 
 namespace vt {
 
-class Clock;
 class PathFind;
 
 // Runs the pending path searches a step at a time within the time the game
@@ -28,14 +28,21 @@ class PathManager : public Manager {
   // Passes over the pending searches, one step each per pass, while the
   // budget lasts: time_ms milliseconds, or the minimum if that is larger. A
   // search that ends leaves the list, and its object gets a "vt-path" event.
-  void cycle(int time_ms);
+  // Returns the number of turns (single steps of a search) it ran.
+  int cycle(int time_ms);
+  // The same passes, limited to a number of turns instead of a time: a
+  // replay runs each step's searches exactly as far as the recording did.
+  int cycleTurns(int max_turns);
   void setMinTime(int new_min_time_ms) { min_time_ms = new_min_time_ms; }
   int getMinTime() const { return min_time_ms; }
 
  private:
   PathManager();
 
-  void cyclePass(const Clock& clock, int budget_ms);
+  // Passes over the searches while may_start_pass allows, each turn
+  // followed by must_stop; both are given the turns run so far.
+  int runTurns(const std::function<bool(int)>& may_start_pass,
+               const std::function<bool(int)>& must_stop);
   void finish(std::size_t index, int status);
   // Removal leaves a gap, so that a pass may go on over the list; the gaps
   // are closed between passes.
