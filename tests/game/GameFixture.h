@@ -6,33 +6,32 @@
 #include <string>
 #include <vector>
 
+#include "Bullet.h"
 #include "Setup.h"
-#include "core/EventStep.h"
-#include "core/GameManager.h"
-#include "media/EventKeyboard.h"
-#include "media/EventMouse.h"
-#include "media/ResourceManager.h"
-#include "support/HeadlessEngine.h"
-#include "world/EventCollision.h"
+#include "extras/Harness.h"
 #include "world/WorldManager.h"
 
-// The game's world without a window: the resources of the game folder are
-// loaded and the view is the default 80 x 24 screen.
+// The whole engine without a window, started in the game's folder with the
+// game's resources loaded, on the default 80 x 24 screen. Time passes only by
+// stepping the game loop, and keys and the mouse reach the game through the
+// input manager.
 class GameFixture : public testing::Test {
  public:
-  void SetUp() override {
+  void SetUp() override { start(); }
+  void TearDown() override { harness.shutDown(); }
+
+  // Starts the engine afresh, stopping it first if it runs, and plays step 0
+  // so that the score does not tick again before step 30.
+  void start() {
+    harness.shutDown();
     ASSERT_EQ(chdir(VANTOR_GAME_DIR), 0);
-    vt::ResourceManager::getInstance().startUp();
+    ASSERT_EQ(harness.startUp(), 0);
     loadResources();
-    const vt::Box screen(vt::Vector(0, 0), 80, 24);
-    world().setBoundary(screen);
-    world().setView(screen);
+    step();
   }
 
-  void TearDown() override {
-    world().shutDown();
-    vt::ResourceManager::getInstance().shutDown();
-  }
+  // Game loop iterations; the loop must not end meanwhile.
+  void step(int count = 1) { EXPECT_EQ(harness.step(count), count); }
 
   static vt::WorldManager& world() { return vt::WorldManager::getInstance(); }
 
@@ -50,37 +49,15 @@ class GameFixture : public testing::Test {
     return found.empty() ? nullptr : found.front();
   }
 
-  // One game step without a window: step events, then the world update.
-  static void step(int count = 1) {
+  // Hero bullets one row below the target, flying up into it at the next
+  // step. A bullet starts three cells right of the point it is given.
+  static void shootAt(const vt::Object* p_target, int count = 1) {
+    const float below = p_target->getBox().getVertical() / 2 + 1;
     for (int i = 0; i < count; i++) {
-      const vt::EventStep step_event(step_number++);
-      vt::GameManager::getInstance().onEvent(&step_event);
-      world().update();
+      (new Bullet(p_target->getPosition() + vt::Vector(-3, below)))
+          ->setVelocity(vt::Vector(0, -1.2f));
     }
   }
 
-  static void press(vt::Object* p_object, int key, int action = vt::KEY_PRESSED) {
-    vt::EventKeyboard event;
-    event.setKey(key);
-    event.setKeyboardAction(action);
-    p_object->eventHandler(&event);
-  }
-
-  // The left button held down over the hero, which fires when it may.
-  static void holdFire(vt::Object* p_hero) {
-    vt::EventMouse held;
-    held.setMouseAction(vt::PRESSED);
-    held.setMouseButton(vt::Mouse::LEFT);
-    p_hero->eventHandler(&held);
-  }
-
-  // Tells both objects of a collision between them, as the world does.
-  static void collide(vt::Object* p_mover, vt::Object* p_other) {
-    const vt::EventCollision collision(p_mover, p_other, p_mover->getPosition());
-    p_mover->eventHandler(&collision);
-    p_other->eventHandler(&collision);
-  }
-
-  test::HeadlessEngine engine;
-  static inline int step_number = 1;
+  vt::Harness harness;
 };
