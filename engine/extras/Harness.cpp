@@ -167,19 +167,14 @@ void Harness::releaseMouse(int button) {
   removeOne(held_buttons, button);
 }
 
+// Handed to the input manager as the window's input would be, so that it is
+// recorded like a player's.
 void Harness::queueKey(int key, int action) const {
-  EventKeyboard keyboard_event;
-  keyboard_event.setKey(key);
-  keyboard_event.setKeyboardAction(action);
-  InputManager::getInstance().queueEvent(keyboard_event);
+  InputManager::getInstance().feedInput({InputRecord::KEY, action, key, Vector()});
 }
 
 void Harness::queueMouse(int action, int button) const {
-  EventMouse mouse_event;
-  mouse_event.setMouseAction(action);
-  mouse_event.setMouseButton(button);
-  mouse_event.setMousePosition(mouse_position);
-  InputManager::getInstance().queueEvent(mouse_event);
+  InputManager::getInstance().feedInput({InputRecord::MOUSE, action, button, mouse_position});
 }
 
 // Held buttons, then held keys, as the input manager polls them.

@@ -98,6 +98,7 @@ int Recorder::startRecording(const std::string& new_file_name) {
   }
   file_name = new_file_name;
   mode = RECORDING;
+  first_id = Object::peekNextId();
   // Started after the engine: the random numbers start over from the
   // game's seed, so that the recording can be replayed from its first step.
   if (GameManager::getInstance().isStarted()) std::srand(seed == -1 ? 1 : static_cast<unsigned>(seed));
@@ -153,6 +154,7 @@ int Recorder::startReplay(const std::string& new_file_name) {
   recording = std::move(new_recording);
   file_name = new_file_name;
   mode = REPLAYING;
+  first_id = Object::peekNextId();
   InputManager::getInstance().setReplaying(true);
   log_manager.writeLog(1, "Recorder::startReplay(): replaying %d steps of '%s'.",
                        recording.getEndStep(), file_name.c_str());
@@ -184,8 +186,9 @@ void Recorder::beginStep() {
     return;
   }
   const StepRecord* p_record = currentRecord();
-  InputManager::getInstance().setReplayInput(p_record ? p_record->inputs
-                                                      : std::vector<InputRecord>());
+  if (p_record == nullptr) return;
+  InputManager& input_manager = InputManager::getInstance();
+  for (const InputRecord& input : p_record->inputs) input_manager.feedInput(input);
 }
 
 const StepRecord* Recorder::currentRecord() {
@@ -289,11 +292,13 @@ int Recorder::stop() {
   return result;
 }
 
-std::uint64_t Recorder::worldHash(int& object_count) {
+std::uint64_t Recorder::worldHash(int& object_count) const {
   std::uint64_t hash = FNV_OFFSET;
   object_count = 0;
   for (const Object* p_object : WorldManager::getInstance().getAllObjects(true)) {
-    const int id = p_object->getId();
+    // Counted from the first id of the session, so that a replay in a
+    // process that made objects before matches its recording.
+    const int id = p_object->getId() - first_id;
     hashBytes(hash, &id, sizeof(id));
     const std::string type = p_object->getType();
     hashBytes(hash, type.data(), type.size() + 1);

@@ -76,7 +76,7 @@ class Recorder {
 
   // A fingerprint of the world: every object's id, type, position,
   // velocity and sprite frame, in the world's order.
-  static std::uint64_t worldHash(int& object_count);
+  std::uint64_t worldHash(int& object_count) const;
 
  private:
   enum Mode { OFF, RECORDING, REPLAYING };
@@ -99,6 +99,7 @@ class Recorder {
   bool header_written = false;
   int step = 0;
   long long seed = -1;
+  int first_id = 0;
   std::string file_name;
   std::ofstream out;
   RecordingRun pending;

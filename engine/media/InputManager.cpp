@@ -81,6 +81,7 @@ void InputManager::shutDown() {
   }
   log_manager.writeLog(5, "InputManager::shutDown(): successfully stopped.");
   queued_events.clear();
+  fed_input.clear();
   Manager::shutDown();
 }
 
@@ -88,8 +89,9 @@ void InputManager::getInput() {
   if (notStarted()) return;
   delivered_input.clear();
   sendQueuedEvents();
+  if (!sendFedInput()) return;
   if (replaying) {
-    sendReplayInput();
+    watchWindowClose();
     return;
   }
   if (Config::getInstance().getHeadless()) return;
@@ -114,11 +116,10 @@ void InputManager::queueEvent(const EventMouse& mouse_event) {
 
 void InputManager::setReplaying(bool new_replaying) {
   replaying = new_replaying;
-  replay_input.clear();
 }
 
-void InputManager::setReplayInput(std::vector<InputRecord> input) {
-  replay_input = std::move(input);
+void InputManager::feedInput(const InputRecord& input) {
+  fed_input.push_back(input);
 }
 
 void InputManager::sendQueuedEvents() {
@@ -130,27 +131,32 @@ void InputManager::sendQueuedEvents() {
   }
 }
 
-// The window's own input is left aside, but its close button still works.
-void InputManager::sendReplayInput() {
+bool InputManager::sendFedInput() {
+  const std::vector<InputRecord> input = std::move(fed_input);
+  fed_input.clear();
+  for (const InputRecord& record : input) {
+    if (record.kind == InputRecord::CLOSE) {
+      closeWindow();
+      return false;
+    }
+    if (record.kind == InputRecord::KEY) {
+      sendKey(record.code, record.action);
+    } else {
+      sendMouse(record.action, record.code, record.position);
+    }
+  }
+  return true;
+}
+
+// Replaying, the window's own input is left aside, but its close button
+// still works.
+void InputManager::watchWindowClose() {
   sf::RenderWindow* p_window = DisplayManager::getInstance().getWindow();
   sf::Event event;
   while (p_window != nullptr && p_window->pollEvent(event)) {
     if (event.type == sf::Event::Closed) {
       closeWindow();
       return;
-    }
-  }
-  const std::vector<InputRecord> input = std::move(replay_input);
-  replay_input.clear();
-  for (const InputRecord& record : input) {
-    if (record.kind == InputRecord::CLOSE) {
-      closeWindow();
-      return;
-    }
-    if (record.kind == InputRecord::KEY) {
-      sendKey(record.code, record.action);
-    } else {
-      sendMouse(record.action, record.code, record.position);
     }
   }
 }

@@ -31,19 +31,21 @@ class InputManager : public Manager {
   // step; headless, only the queued events are delivered.
   void getInput();
 
-  // Input made by the program rather than read from the window (a test
-  // harness, a replay): delivered at the next getInput, in queue order.
+  // Input made by the program itself: delivered at the next getInput, in
+  // queue order, and not recorded (a replayed game makes it again).
   void queueEvent(const EventKeyboard& keyboard_event);
   void queueEvent(const EventMouse& mouse_event);
 
-  // Replaying, the input comes from setReplayInput instead of the window,
-  // whose close request alone is still obeyed.
+  // Outside input handed in by a stand-in for the player (a replay, a test
+  // harness): delivered at the next getInput after the queued events and
+  // before the window's, and recorded as the window's is.
+  void feedInput(const InputRecord& input);
+  // Replaying, the window's input is left aside; its close request alone
+  // is still obeyed.
   void setReplaying(bool new_replaying);
   bool isReplaying() const { return replaying; }
-  // The outside input of the next getInput while replaying.
-  void setReplayInput(std::vector<InputRecord> input);
-  // The outside input (window or replay, not the queued events) the last
-  // getInput delivered, in delivery order.
+  // The outside input (fed or from the window, not the queued events) the
+  // last getInput delivered, in delivery order.
   const std::vector<InputRecord>& getDeliveredInput() const { return delivered_input; }
 
   // A keyboard event with the engine code of the SFML key; the action is
@@ -62,13 +64,15 @@ class InputManager : public Manager {
   void sendHeldButtons(const sf::Window& window);
   void sendHeldKeys();
   void sendQueuedEvents();
-  void sendReplayInput();
+  // Delivers the fed input; false when it asked the window to close.
+  bool sendFedInput();
+  void watchWindowClose();
   // Ends the game at the window's close request.
   void closeWindow();
 
   std::vector<std::variant<EventKeyboard, EventMouse>> queued_events;
   bool replaying = false;
-  std::vector<InputRecord> replay_input;
+  std::vector<InputRecord> fed_input;
   std::vector<InputRecord> delivered_input;
 };
 

@@ -194,6 +194,10 @@ bool Object::isModified(int attribute) const {
   return attribute >= 0 && attribute < ATTRIBUTE_COUNT && modified[attribute];
 }
 
+int Object::peekNextId() {
+  return next_id;
+}
+
 void Object::setId(int new_id) {
   if (new_id == id) return;
   id = new_id;

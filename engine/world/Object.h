@@ -78,6 +78,8 @@ class Object {
 
   void setId(int new_id);
   int getId() const { return id; }
+  // The id the next object created will get.
+  static int peekNextId();
   int setType(std::string new_type);
   std::string getType() const { return type; }
   int setActive(bool active = true);

@@ -1,0 +1,224 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include "core/GameManager.h"
+#include "extras/Harness.h"
+#include "media/DisplayManager.h"
+#include "media/EventKeyboard.h"
+#include "media/EventMouse.h"
+#include "support/HeadlessEngine.h"
+#include "world/WorldManager.h"
+
+using vt::Vector;
+
+namespace {
+
+// A small game: a walker that the D key and mouse clicks move, that
+// wanders at random every step and looks for a path round a wall.
+class Walker : public vt::Object {
+ public:
+  explicit Walker(float new_stride) : stride(new_stride) {
+    setType("Walker");
+    setPosition(Vector(10, 10));
+    registerInterest(vt::KEYBOARD_EVENT);
+    registerInterest(vt::MOUSE_EVENT);
+    registerInterest(vt::STEP_EVENT);
+  }
+  int eventHandler(const vt::Event* p_event) override {
+    if (p_event->getType() == vt::STEP_EVENT) {
+      setVelocity(Vector(0, static_cast<float>(std::rand() % 3 - 1) * 0.01f));
+      return 1;
+    }
+    if (p_event->getType() == vt::KEYBOARD_EVENT) {
+      const auto* p_key = static_cast<const vt::EventKeyboard*>(p_event);
+      if (p_key->getKeyboardAction() == vt::KEY_DOWN) setPosition(getPosition() + Vector(stride, 0));
+      if (p_key->getKey() == vt::Keyboard::P) pathTo(Vector(40, 10));
+      return 1;
+    }
+    if (p_event->getType() == vt::MOUSE_EVENT) {
+      const auto* p_mouse = static_cast<const vt::EventMouse*>(p_event);
+      if (p_mouse->getMouseAction() == vt::CLICKED) setPosition(p_mouse->getMousePosition());
+      return 1;
+    }
+    return Object::eventHandler(p_event);
+  }
+  int draw() override {
+    return vt::DisplayManager::getInstance().drawString(getPosition(), "Hi", vt::LEFT_JUSTIFIED,
+                                                        vt::YELLOW);
+  }
+
+ private:
+  float stride;
+};
+
+void makeWorld(float stride) {
+  new Walker(stride);
+  auto* p_wall = new vt::Object;
+  p_wall->setPosition(Vector(30, 10));
+}
+
+// A session of 90 steps: a click, held D, a path search, and nothing.
+void playSession(vt::Harness& harness) {
+  harness.clickMouse(vt::Mouse::LEFT, Vector(12.5f, 7.25f));
+  harness.step(3);
+  harness.holdKey(vt::Keyboard::D);
+  harness.step(5);
+  harness.releaseKey(vt::Keyboard::D);
+  harness.pressKey(vt::Keyboard::P);
+  harness.step(82);
+}
+
+Vector walkerPosition() {
+  return vt::WorldManager::getInstance().objectsOfType("Walker")[0]->getPosition();
+}
+
+class RecorderTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    folder = test::makeTempDir();
+    recording = folder + "/session.vrec";
+  }
+  // Records the session with a walker of stride 1; returns where it ended.
+  Vector recordSession() {
+    vt::Harness harness;
+    EXPECT_EQ(harness.startUp(), 0);
+    makeWorld(1);
+    EXPECT_EQ(harness.record(recording), 0);
+    playSession(harness);
+    const Vector end = walkerPosition();
+    EXPECT_EQ(harness.finishReplay(), 0);
+    return end;
+  }
+  std::string folder;
+  std::string recording;
+};
+
+TEST_F(RecorderTest, ASessionReplaysAsPlayedAndTheFirstDifferenceIsNamed) {
+  const Vector end = recordSession();
+  const std::string text = test::readFile(recording);
+  for (const char* part : {"vantor-recording 1\n", "grid 80 24\n", "\n0 click:left@12.5,7.25\n",
+                           "\n3 press:D down:D\n", "\n4-7 down:D\n",
+                           "\n8 release:D press:P release:P paths:", " world:", "\nend 90\n"}) {
+    EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text;
+  }
+  {
+    // The same game replayed: nothing fed by hand, the same end, checks at
+    // their steps.
+    vt::Harness harness;
+    ASSERT_EQ(harness.startUp(), 0);
+    makeWorld(1);
+    ASSERT_EQ(harness.replay(recording), 0);
+    Vector at_step_0;
+    harness.atStep(0, [&] { at_step_0 = walkerPosition(); });
+    EXPECT_EQ(harness.step(90), 90);
+    EXPECT_EQ(at_step_0.getX(), 12.5f);
+    EXPECT_NEAR(at_step_0.getY(), 7.25f, 0.011f);
+    EXPECT_EQ(walkerPosition(), end);
+    EXPECT_EQ(harness.finishReplay(), 0) << harness.replayFailure();
+  }
+  // A game that strides twice as far searches another path; a world that
+  // differs from its fingerprint, a replay run past its end or stopped
+  // short fail too.
+  std::string tampered = text;
+  const std::size_t digit = tampered.find(" world:") + 7;
+  tampered[digit] = tampered[digit] == '0' ? '1' : '0';
+  const struct {
+    float stride;
+    const std::string& recorded;
+    int steps;
+    const char* failure;
+  } CASES[] = {
+      {2, text, 90, "step 8: path searches ran "},
+      {1, tampered, 90, "step 29: the world's 2 objects differ from the recording"},
+      {1, text, 91, "step 90: the recording ends here, the game goes on"},
+      {1, text, 60, "step 60: the game ended, the recording goes on to step 90"},
+  };
+  for (const auto& replay : CASES) {
+    std::ofstream(recording) << replay.recorded;
+    vt::Harness harness;
+    ASSERT_EQ(harness.startUp(), 0);
+    makeWorld(replay.stride);
+    ASSERT_EQ(harness.replay(recording), 0);
+    harness.step(replay.steps);
+    EXPECT_EQ(harness.finishReplay(), -1);
+    EXPECT_EQ(harness.replayFailure().rfind(replay.failure, 0), 0u) << harness.replayFailure();
+    EXPECT_TRUE(harness.logContains("Recorder: Error! The replay of '" + recording +
+                                    "' diverged at " + replay.failure));
+  }
+}
+
+TEST_F(RecorderTest, BadRecordingsAreRefusedWithTheirReason) {
+  recordSession();
+  const std::string good = test::readFile(recording);
+  const std::string header = good.substr(0, good.find("0 click"));
+  const struct {
+    std::string text;
+    const char* reason;
+  } CASES[] = {
+      {"", "empty recording"},
+      {"\x01\xff garbage\n", "not a recording"},
+      {"vantor-recording 2\n", "version '2' is not supported (this engine reads 1)"},
+      {"vantor-recording 1\nengine 4.17\nframe_time fast\n", "line 3: the header is incomplete"},
+      {header + "3 press:D\n", "line 7: the recording is cut short (no end line)"},
+      {header + "3 jump:D\nend 9\n", "line 7: unknown event 'jump:D'"},
+      {header + "3 click:left@nan,1\nend 9\n", "unknown event 'click:left@nan,1'"},
+      {header + "3 press:D\n2 press:D\nend 9\n", "line 8: steps out of order"},
+      {header + "5-3 press:D\nend 9\n", "line 7: '5-3' is not a step"},
+      {header + "3\nend 9\n", "line 7: a step with nothing in it"},
+      {header + "3 press:D\nend 2\n", "line 8: a bad end line"},
+      {header + "end 9\nend 10\n", "line 8: text after the end line"},
+      {"vantor-recording 1\nengine 4.17\nframe_time 33\ngrid 40 12\nseed 1\nhash_every 30\nend 1\n",
+       "was recorded at 33 ms on 40x12 cells; this game runs at 33 ms on 80x24"},
+  };
+  for (const auto& bad : CASES) {
+    std::ofstream(recording) << bad.text;
+    vt::Harness harness;
+    ASSERT_EQ(harness.startUp(), 0);
+    EXPECT_EQ(harness.replay(recording), -1) << bad.reason;
+    EXPECT_TRUE(harness.logContains(bad.reason)) << bad.reason << "\n" << harness.logText();
+    // Nothing replays: the harness's own input still works.
+    makeWorld(1);
+    harness.holdKey(vt::Keyboard::D);
+    harness.step(2);
+    EXPECT_EQ(walkerPosition().getX(), 12) << bad.reason;
+  }
+}
+
+TEST_F(RecorderTest, GoldenFramesShowEachCellAndNameWhatDiffers) {
+  vt::Harness harness;
+  ASSERT_EQ(harness.startUp(), 0);
+  makeWorld(1);
+  harness.step();
+  const std::string golden = folder + "/walker.frame";
+  // No golden frame yet: the frame is written beside it as .new.
+  EXPECT_NE(harness.checkFrame(golden).find("no golden frame"), std::string::npos);
+  const std::string drawn = test::readFile(golden + ".new");
+  // "Hi" at (10, 10 +- 0.01): the nearest cells, in yellow; the rest undrawn.
+  const std::string row_10 = std::string(10, ' ') + "Hi" + std::string(68, ' ') + "|\n";
+  const std::string colors_10 = std::string(10, '.') + "yy" + std::string(68, '.') + "|\n";
+  EXPECT_EQ(drawn.rfind("frame 80x24 background Black\nchars:\n", 0), 0u);
+  EXPECT_NE(drawn.find(row_10), std::string::npos) << drawn;
+  EXPECT_NE(drawn.find(colors_10), std::string::npos) << drawn;
+  setenv("VANTOR_UPDATE_GOLDEN", "1", 1);
+  EXPECT_EQ(harness.checkFrame(golden), "");
+  unsetenv("VANTOR_UPDATE_GOLDEN");
+  EXPECT_EQ(test::readFile(golden), drawn);
+  harness.step();
+  EXPECT_EQ(harness.checkFrame(golden), "");
+  // Moved one cell right: two cells differ in each layer.
+  harness.clickMouse(vt::Mouse::LEFT, Vector(11, 10));
+  harness.step();
+  const std::string differences = harness.checkFrame(golden);
+  for (const char* line : {"row 10, column 10: ' ' where the expected frame has 'H'",
+                           "row 10, column 12: 'i' where the expected frame has ' '",
+                           "row 10, column 10: nothing drawn where the expected frame has Yellow",
+                           "row 10, column 12: Yellow where the expected frame has nothing drawn"}) {
+    EXPECT_NE(differences.find(line), std::string::npos) << line << " in\n" << differences;
+  }
+  EXPECT_NE(test::readFile(golden + ".diff").find("row 10, column 12"), std::string::npos);
+}
+
+}  // namespace
