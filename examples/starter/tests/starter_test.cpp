@@ -4,6 +4,7 @@
 // a test framework, so that the game needs nothing but the engine.
 #include <cstdio>
 #include <functional>
+#include <string>
 
 #include "Coin.h"
 #include "World.h"
@@ -98,12 +99,38 @@ void playerStaysInside() {
   });
 }
 
+// A game played in a window with VANTOR_RECORD=sessions/win.vrec: up, down,
+// then right through every coin. Replayed, it must unfold as it was played
+// (the engine compares the world with the recording every 30 steps), and
+// the screen half way must match its golden frame. After a change that
+// alters the picture on purpose, VANTOR_UPDATE_GOLDEN=1 rewrites the frame.
+void aRecordedGameReplays() {
+  const char* name = "a recorded game replays as it was played";
+  vt::Harness harness;
+  // As in main: the replay starts before anything is made.
+  if (harness.startUp() != 0 || harness.replay(STARTER_SESSIONS "/win.vrec") != 0 ||
+      loadResources() != 0) {
+    check(false, name, "the engine, the recording or the sprites did not load");
+    return;
+  }
+  populateWorld();
+  harness.atStep(59, [&harness, name] {
+    const std::string differences = harness.checkFrame(STARTER_SESSIONS "/win-59.frame");
+    check(differences.empty(), name, differences.c_str());
+    check(score() == 1, name, "one coin by step 59");
+  });
+  check(harness.stepUntil(gameOver, 1000), name, "the last coin ends the game");
+  check(score() == COIN_COUNT, name, "every coin scored");
+  check(harness.finishReplay() == 0, name, harness.replayFailure().c_str());
+}
+
 }  // namespace
 
 int main() {
   collectingEveryCoinWins();
   keysMoveAndQuit();
   playerStaysInside();
+  aRecordedGameReplays();
   if (failures == 0) std::printf("starter rules: all cases passed\n");
   return failures == 0 ? 0 : 1;
 }
