@@ -26,4 +26,9 @@ TEST(LogManager, LinesCarryTimeAndStepLevelsFilterThemAndOtherFilesGetTheirOwn) 
   EXPECT_TRUE(
       std::regex_search(log, std::regex(" setLogLevel\\(\\): log level 2\n +\\d+ no time\n")));
   EXPECT_EQ(test::readFile(extra), "first line\nsecond line\n");
+  // Every start begins the file afresh.
+  log_manager.shutDown();
+  ASSERT_EQ(log_manager.startUp(), 0);
+  log_manager.writeLog("second run");
+  EXPECT_EQ(engine.logText().find("plain 7"), std::string::npos);
 }
