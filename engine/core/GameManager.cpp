@@ -190,8 +190,9 @@ void GameManager::shutDown() {
   LogManager& log_manager = LogManager::getInstance();
   game_over = true;
   Recorder& recorder = Recorder::getInstance();
-  const bool from_environment = recorder.isFromEnvironment();
-  const bool replay_failed = recorder.stop() != 0 && from_environment;
+  // A game that did not start says so itself, with its own status.
+  const bool replay_counts = recorder.isFromEnvironment() && isStarted();
+  const bool replay_failed = recorder.stop() != 0 && replay_counts;
   if (previous_timer_slack != 0 && prctl(PR_SET_TIMERSLACK, previous_timer_slack, 0, 0, 0) != 0) {
     log_manager.writeLog(
         1, "GameManager()::shutDown(): Warning! timeEndPeriod() cannot accept 1 msec.");
