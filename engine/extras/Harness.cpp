@@ -229,9 +229,9 @@ std::string Harness::checkFrame(const std::string& golden_file) const {
   std::ifstream golden(golden_file);
   std::stringstream expected;
   expected << golden.rdbuf();
-  const std::string differences =
-      golden ? describeFrameDifferences(expected.str(), actual)
-             : "there is no golden frame '" + golden_file + "' (VANTOR_UPDATE_GOLDEN=1 writes it)\n";
+  const std::string differences = golden ? describeFrameDifferences(expected.str(), actual)
+                                         : "there is no golden frame '" + golden_file +
+                                               "' (VANTOR_UPDATE_GOLDEN=1 writes it)\n";
   if (differences.empty()) return "";
   std::ofstream(golden_file + ".new") << actual;
   std::ofstream(golden_file + ".diff") << differences;

@@ -69,8 +69,8 @@ int Recorder::startFromEnvironment() {
 
 bool Recorder::isIdle(const char* operation) const {
   if (mode == OFF) return true;
-  LogManager::getInstance().writeLog("Recorder::%s(): Error! A %s is already under way.",
-                                     operation, mode == RECORDING ? "recording" : "replay");
+  LogManager::getInstance().writeLog("Recorder::%s(): Error! A %s is already under way.", operation,
+                                     mode == RECORDING ? "recording" : "replay");
   return false;
 }
 
@@ -101,7 +101,8 @@ int Recorder::startRecording(const std::string& new_file_name) {
   first_id = Object::peekNextId();
   // Started after the engine: the random numbers start over from the
   // game's seed, so that the recording can be replayed from its first step.
-  if (GameManager::getInstance().isStarted()) std::srand(seed == -1 ? 1 : static_cast<unsigned>(seed));
+  if (GameManager::getInstance().isStarted())
+    std::srand(seed == -1 ? 1 : static_cast<unsigned>(seed));
   LogManager::getInstance().writeLog(1, "Recorder::startRecording(): recording into '%s'.",
                                      file_name.c_str());
   return 0;

@@ -1,5 +1,6 @@
 #include "extras/Recording.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cinttypes>
 #include <climits>
@@ -19,25 +20,22 @@ const char* const MAGIC = "vantor-recording";
 const int FORMAT_VERSION = 1;
 
 // The names of the engine's keys in a recording, in key-code order.
-const char* const KEY_NAMES[] = {
-    "SPACE",     "RETURN",      "ESCAPE",       "TAB",       "LEFTARROW",  "RIGHTARROW",
-    "UPARROW",   "DOWNARROW",   "PAUSE",        "MINUS",     "PLUS",       "TILDE",
-    "PERIOD",    "COMMA",       "SLASH",        "EQUAL",     "BACKSLASH",  "MULTIPLY",
-    "QUOTE",     "SEMICOLON",   "LEFTCONTROL",  "RIGHTCONTROL", "LEFTSHIFT", "RIGHTSHIFT",
-    "F1",        "F2",          "F3",           "F4",        "F5",         "F6",
-    "F7",        "F8",          "F9",           "F10",       "F11",        "F12",
-    "A",         "B",           "C",            "D",         "E",          "F",
-    "G",         "H",           "I",            "J",         "K",          "L",
-    "M",         "N",           "O",            "P",         "Q",          "R",
-    "S",         "T",           "U",            "V",         "W",          "X",
-    "Y",         "Z",           "NUM1",         "NUM2",      "NUM3",       "NUM4",
-    "NUM5",      "NUM6",        "NUM7",         "NUM8",      "NUM9",       "NUM0",
-    "BACKSPACE"};
-const int KEY_NAME_COUNT = static_cast<int>(sizeof(KEY_NAMES) / sizeof(KEY_NAMES[0]));
-static_assert(sizeof(KEY_NAMES) / sizeof(KEY_NAMES[0]) == Keyboard::BACKSPACE + 1);
+const std::vector<std::string>& keyNames() {
+  static const std::vector<std::string> names = [] {
+    std::istringstream words(
+        "SPACE RETURN ESCAPE TAB LEFTARROW RIGHTARROW UPARROW DOWNARROW PAUSE MINUS PLUS TILDE "
+        "PERIOD COMMA SLASH EQUAL BACKSLASH MULTIPLY QUOTE SEMICOLON LEFTCONTROL RIGHTCONTROL "
+        "LEFTSHIFT RIGHTSHIFT F1 F2 F3 F4 F5 F6 F7 F8 F9 F10 F11 F12 A B C D E F G H I J K L M N O "
+        "P Q R S T U V W X Y Z NUM1 NUM2 NUM3 NUM4 NUM5 NUM6 NUM7 NUM8 NUM9 NUM0 BACKSPACE");
+    std::vector<std::string> read;
+    std::string word;
+    while (words >> word) read.push_back(word);
+    return read;
+  }();
+  return names;
+}
 
-const char* const BUTTON_NAMES[] = {"left", "right", "middle"};
-const int BUTTON_NAME_COUNT = 3;
+const std::vector<std::string> BUTTON_NAMES = {"left", "right", "middle"};
 
 struct ActionName {
   InputRecord::Kind kind;
@@ -46,9 +44,9 @@ struct ActionName {
 };
 
 const ActionName ACTION_NAMES[] = {
-    {InputRecord::KEY, KEY_PRESSED, "press"},  {InputRecord::KEY, KEY_RELEASED, "release"},
-    {InputRecord::KEY, KEY_DOWN, "down"},      {InputRecord::MOUSE, CLICKED, "click"},
-    {InputRecord::MOUSE, PRESSED, "hold"},     {InputRecord::MOUSE, MOVED, "move"},
+    {InputRecord::KEY, KEY_PRESSED, "press"}, {InputRecord::KEY, KEY_RELEASED, "release"},
+    {InputRecord::KEY, KEY_DOWN, "down"},     {InputRecord::MOUSE, CLICKED, "click"},
+    {InputRecord::MOUSE, PRESSED, "hold"},    {InputRecord::MOUSE, MOVED, "move"},
 };
 
 // A whole decimal integer, nothing before or after it.
@@ -81,18 +79,18 @@ bool readFiniteFloat(const std::string& text, float& value) {
   return true;
 }
 
-// A name from the table, or a plain number for what has no name.
-std::string codeName(int code, const char* const* names, int name_count) {
-  if (code >= 0 && code < name_count) return names[code];
+// A name from the list, or a plain number for what has no name.
+std::string codeName(int code, const std::vector<std::string>& names) {
+  if (code >= 0 && code < static_cast<int>(names.size()))
+    return names[static_cast<std::size_t>(code)];
   return std::to_string(code);
 }
 
-bool readCode(const std::string& text, const char* const* names, int name_count, int& code) {
-  for (int i = 0; i < name_count; i++) {
-    if (text == names[i]) {
-      code = i;
-      return true;
-    }
+bool readCode(const std::string& text, const std::vector<std::string>& names, int& code) {
+  const auto found = std::find(names.begin(), names.end(), text);
+  if (found != names.end()) {
+    code = static_cast<int>(found - names.begin());
+    return true;
   }
   return readWholeInt(text, INT_MIN, INT_MAX, code);
 }
@@ -110,12 +108,12 @@ std::string formatInput(const InputRecord& input) {
     if (entry.kind == input.kind && entry.action == input.action) name = entry.name;
   }
   if (input.kind == InputRecord::KEY) {
-    return name + ":" + codeName(input.code, KEY_NAMES, KEY_NAME_COUNT);
+    return name + ":" + codeName(input.code, keyNames());
   }
-  const std::string where = "@" + formatFloat(input.position.getX()) + "," +
-                            formatFloat(input.position.getY());
+  const std::string where =
+      "@" + formatFloat(input.position.getX()) + "," + formatFloat(input.position.getY());
   if (input.action == MOVED && input.code == Mouse::UNDEFINED_MOUSE_BUTTON) return name + where;
-  return name + ":" + codeName(input.code, BUTTON_NAMES, BUTTON_NAME_COUNT) + where;
+  return name + ":" + codeName(input.code, BUTTON_NAMES) + where;
 }
 
 bool readPosition(const std::string& text, Vector& position) {
@@ -147,13 +145,12 @@ bool readInput(const std::string& token, InputRecord& input) {
     input.code = Mouse::UNDEFINED_MOUSE_BUTTON;
     if (entry.kind == InputRecord::KEY) {
       return at == std::string::npos && colon != std::string::npos &&
-             readCode(head.substr(colon + 1), KEY_NAMES, KEY_NAME_COUNT, input.code);
+             readCode(head.substr(colon + 1), keyNames(), input.code);
     }
     if (at == std::string::npos || !readPosition(token.substr(at + 1), input.position)) {
       return false;
     }
-    return colon == std::string::npos ||
-           readCode(head.substr(colon + 1), BUTTON_NAMES, BUTTON_NAME_COUNT, input.code);
+    return colon == std::string::npos || readCode(head.substr(colon + 1), BUTTON_NAMES, input.code);
   }
   return false;
 }
@@ -215,8 +212,8 @@ std::string readHeader(std::istream& in, RecordingHeader& header, int& line_numb
   int version = 0;
   if (!readWholeInt(line.substr(magic_prefix.size()), 0, INT_MAX, version) ||
       version != FORMAT_VERSION) {
-    return "version '" + line.substr(magic_prefix.size()) + "' is not supported (this engine reads " +
-           std::to_string(FORMAT_VERSION) + ")";
+    return "version '" + line.substr(magic_prefix.size()) +
+           "' is not supported (this engine reads " + std::to_string(FORMAT_VERSION) + ")";
   }
   std::string frame_time;
   std::string grid;
@@ -287,10 +284,9 @@ std::string Recording::read(std::istream& in) {
 
 std::string Recording::formatHeader(const RecordingHeader& header) {
   std::ostringstream text;
-  text << MAGIC << " " << FORMAT_VERSION << "\nengine " << header.engine_version
-       << "\nframe_time " << header.frame_time << "\ngrid " << header.columns << " "
-       << header.rows << "\nseed " << header.seed << "\nhash_every " << header.hash_every
-       << "\n";
+  text << MAGIC << " " << FORMAT_VERSION << "\nengine " << header.engine_version << "\nframe_time "
+       << header.frame_time << "\ngrid " << header.columns << " " << header.rows << "\nseed "
+       << header.seed << "\nhash_every " << header.hash_every << "\n";
   return text.str();
 }
 

@@ -119,8 +119,8 @@ std::string CellFrame::toText() const {
     colors += "|\n";
   }
   std::ostringstream text;
-  text << "frame " << columns << "x" << rows << " background "
-       << colorToString(background) << "\nchars:\n"
+  text << "frame " << columns << "x" << rows << " background " << colorToString(background)
+       << "\nchars:\n"
        << chars << "colors:\n"
        << colors << "legend:" << legend << "\n";
   return text.str();

@@ -34,7 +34,8 @@ class Walker : public vt::Object {
     }
     if (p_event->getType() == vt::KEYBOARD_EVENT) {
       const auto* p_key = static_cast<const vt::EventKeyboard*>(p_event);
-      if (p_key->getKeyboardAction() == vt::KEY_DOWN) setPosition(getPosition() + Vector(stride, 0));
+      if (p_key->getKeyboardAction() == vt::KEY_DOWN)
+        setPosition(getPosition() + Vector(stride, 0));
       if (p_key->getKey() == vt::Keyboard::P) pathTo(Vector(40, 10));
       return 1;
     }
@@ -212,10 +213,11 @@ TEST_F(RecorderTest, GoldenFramesShowEachCellAndNameWhatDiffers) {
   harness.clickMouse(vt::Mouse::LEFT, Vector(11, 10));
   harness.step();
   const std::string differences = harness.checkFrame(golden);
-  for (const char* line : {"row 10, column 10: ' ' where the expected frame has 'H'",
-                           "row 10, column 12: 'i' where the expected frame has ' '",
-                           "row 10, column 10: nothing drawn where the expected frame has Yellow",
-                           "row 10, column 12: Yellow where the expected frame has nothing drawn"}) {
+  for (const char* line :
+       {"row 10, column 10: ' ' where the expected frame has 'H'",
+        "row 10, column 12: 'i' where the expected frame has ' '",
+        "row 10, column 10: nothing drawn where the expected frame has Yellow",
+        "row 10, column 12: Yellow where the expected frame has nothing drawn"}) {
     EXPECT_NE(differences.find(line), std::string::npos) << line << " in\n" << differences;
   }
   EXPECT_NE(test::readFile(golden + ".diff").find("row 10, column 12"), std::string::npos);

@@ -73,8 +73,8 @@ TEST(ShooterReplay, RecordedSessionsUnfoldAsPlayed) {
 int replayShooter(const std::string& recording, std::string& said) {
   const std::string folder = test::makeTempDir();
   const std::string command = "cd " VANTOR_GAME_DIR " && VANTOR_HEADLESS=1 VANTOR_LOG=" + folder +
-                              "/vantor.log VANTOR_REPLAY=" + recording + " ./shooter 2> " +
-                              folder + "/stderr";
+                              "/vantor.log VANTOR_REPLAY=" + recording + " ./shooter 2> " + folder +
+                              "/stderr";
   const int status = std::system(command.c_str());
   said = test::readFile(folder + "/stderr");
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
