@@ -68,13 +68,17 @@ TEST(ShooterReplay, RecordedSessionsUnfoldAsPlayed) {
   }
 }
 
-// The shooter itself, replaying from the environment headless: its exit
-// status and what it says on stderr.
-int replayShooter(const std::string& recording, std::string& said) {
+// The shooter itself, replaying from the environment headless (with more
+// settings before it, if given): its exit status and what it says on stderr.
+int replayShooter(const std::string& recording, std::string& said,
+                  const std::string& settings = "") {
   const std::string folder = test::makeTempDir();
-  const std::string command = "cd " VANTOR_GAME_DIR " && VANTOR_HEADLESS=1 VANTOR_LOG=" + folder +
-                              "/vantor.log VANTOR_REPLAY=" + recording + " ./shooter 2> " + folder +
-                              "/stderr";
+  std::ofstream(folder + "/vt-config.txt")
+      << settings << test::readFile(VANTOR_GAME_DIR "/vt-config.txt");
+  const std::string command =
+      "cd " VANTOR_GAME_DIR " && VANTOR_HEADLESS=1 VANTOR_CONFIG=" + folder +
+      "/vt-config.txt VANTOR_LOG=" + folder + "/vantor.log VANTOR_REPLAY=" + recording +
+      " ./shooter 2> " + folder + "/stderr";
   const int status = std::system(command.c_str());
   said = test::readFile(folder + "/stderr");
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -84,6 +88,12 @@ TEST(ShooterReplay, TheGameReplaysFromTheEnvironmentAndNamesWhereItDiverged) {
   std::string said;
   EXPECT_EQ(replayShooter(SESSIONS + "/defeat.vrec", said), 0);
   EXPECT_EQ(said, "");
+  // The recording's grid and frame time stand in for other settings.
+  EXPECT_EQ(
+      replayShooter(SESSIONS + "/defeat.vrec", said,
+                    "window_horizontal_chars:40,\nwindow_vertical_chars:12,\nframe_time:20,\n"),
+      0)
+      << said;
   // A world that differs at its fingerprint of step 149, and no recording.
   std::string tampered = test::readFile(SESSIONS + "/defeat.vrec");
   const std::size_t digit = tampered.find("149 world:") + 10;
