@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <random>
 #include <vector>
 
 #include "core/Config.h"
@@ -90,14 +89,11 @@ class DisplayProbe {
   Display* p_display;
 };
 
-// A pixel offset in [1 - severity, severity + 1], stepping by two. The
-// shake has numbers of its own: a game's random numbers must not depend on
-// whether it runs in a window.
-int shakeOffset(int severity) {
-  static std::mt19937 shake_random;
+// A pixel offset in [1 - severity, severity + 1], stepping by two.
+int shakeOffset(int severity, std::mt19937& random) {
   const int span = severity + 1;
   if (span < 1) return 0;
-  return span - 2 * static_cast<int>(shake_random() % static_cast<unsigned>(span));
+  return span - 2 * static_cast<int>(random() % static_cast<unsigned>(span));
 }
 
 // Characters for which sf::Text draws no glyph.
@@ -303,6 +299,7 @@ int DisplayManager::startUp() {
                                           window_horizontal_chars, window_vertical_chars);
   }
   frame.reset(window_horizontal_chars, window_vertical_chars, config.getWindowBackgroundColor());
+  shake_random.seed();
   setBackgroundColor(config.getWindowBackgroundColor());
   Manager::startUp();
   log_manager.writeLog(5, "DisplayManager::startUp(): successfully started.");
@@ -499,8 +496,8 @@ int DisplayManager::swapBuffers() {
     shake_y = 0;
     return 0;
   }
-  shake_x = shakeOffset(shake_severity_x);
-  shake_y = shakeOffset(shake_severity_y);
+  shake_x = shakeOffset(shake_severity_x, shake_random);
+  shake_y = shakeOffset(shake_severity_y, shake_random);
   shake_duration = std::max(0, shake_duration - 1);
   return 0;
 }

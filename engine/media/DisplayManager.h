@@ -2,6 +2,7 @@
 
 #include <SFML/Graphics.hpp>
 #include <memory>
+#include <random>
 #include <string>
 
 #include "core/Color.h"
@@ -92,6 +93,9 @@ class DisplayManager : public Manager {
   int shake_severity_y = 0;
   int shake_x = 0;
   int shake_y = 0;
+  // The shake has numbers of its own, the same from every start: a game's
+  // random numbers must not depend on whether it runs in a window.
+  std::mt19937 shake_random;
 };
 
 // Cell size in pixels, from the configuration's window size.

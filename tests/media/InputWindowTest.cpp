@@ -1,20 +1,30 @@
-// The key table, and real keys and mouse (by xdotool) on a window, a round per step.
+// The key table, real keys and mouse (by xdotool) on a window, a round per
+// step, and the window's close request ending the game loop.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include "core/Config.h"
+#include "core/GameManager.h"
+#include "core/LogManager.h"
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/EventMouse.h"
 #include "media/InputManager.h"
 #include "media/InputTranslation.h"
+#include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
 #include "support/TestSupport.h"
 #include "world/WorldManager.h"
+
+// Last: Xlib defines macros (None, Status, Bool) that clash with other headers.
+#include <X11/Xlib.h>
 
 namespace K = vt::Keyboard;
 using vt::InputManager;
@@ -92,7 +102,85 @@ class InputWindowTest : public testing::Test {
   std::vector<Events> steps;
 };
 
+// The whole engine with a window, started by the game manager from a
+// configuration file of its own, the log at level 1.
+class WindowedGameTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(vt::test::startProcessXvfb());
+    std::ofstream(directory + "/config.txt")
+        << "font_file:" << VANTOR_FONT_PATH << ",\nlogfile:" << directory << "/vantor.log,\n"
+        << "window_title:" << TITLE << ",\n";
+    setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
+    unsetenv("VANTOR_LOG");
+    ASSERT_EQ(vt::GameManager::getInstance().startUp(), 0);
+    vt::LogManager::getInstance().setLogLevel(1);
+    ASSERT_NE(vt::DisplayManager::getInstance().getWindow(), nullptr);
+  }
+
+  void TearDown() override {
+    if (vt::GameManager::getInstance().isStarted()) vt::GameManager::getInstance().shutDown();
+    test::restoreEngineSettings();
+    std::filesystem::remove_all(directory);
+  }
+
+  // Stops the engine; returns its whole log.
+  std::string stopAndReadLog() {
+    vt::GameManager::getInstance().shutDown();
+    return test::readFile(directory + "/vantor.log");
+  }
+
+  const std::string directory = test::makeTempDir();
+};
+
+// What a window manager sends when the window's close button is pressed: a
+// WM_PROTOCOLS client message naming WM_DELETE_WINDOW, sent to the client
+// that made the window. Sent on a connection of its own, which is then
+// synchronised, so the server has passed it on before this returns.
+bool sendCloseRequest(sf::WindowHandle window) {
+  Display* p_display = XOpenDisplay(nullptr);
+  if (p_display == nullptr) return false;
+  XEvent event{};
+  event.xclient.type = ClientMessage;
+  event.xclient.window = window;
+  event.xclient.message_type = XInternAtom(p_display, "WM_PROTOCOLS", False);
+  event.xclient.format = 32;
+  event.xclient.data.l[0] = static_cast<long>(XInternAtom(p_display, "WM_DELETE_WINDOW", False));
+  event.xclient.data.l[1] = CurrentTime;
+  const bool sent = XSendEvent(p_display, window, False, NoEventMask, &event) != 0;
+  XSync(p_display, False);
+  XCloseDisplay(p_display);
+  return sent;
+}
+
+std::size_t occurrences(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) count++;
+  return count;
+}
+
 }  // namespace
+
+TEST_F(WindowedGameTest, CloseRequestFromTheServerEndsTheGame) {
+  vt::GameManager& game_manager = vt::GameManager::getInstance();
+  // Steps without a request leave the game running.
+  for (int i = 0; i < 5; i++) game_manager.step();
+  ASSERT_FALSE(game_manager.getGameOver());
+
+  ASSERT_TRUE(sendCloseRequest(vt::DisplayManager::getInstance().getWindow()->getSystemHandle()));
+  // The request is on its way to the window's own connection; the loop
+  // picks it up within a few steps.
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  int steps = 0;
+  while (!game_manager.getGameOver() && std::chrono::steady_clock::now() < deadline) {
+    game_manager.step();
+    steps++;
+  }
+  EXPECT_TRUE(game_manager.getGameOver()) << "still running after " << steps << " steps";
+  EXPECT_EQ(occurrences(stopAndReadLog(),
+                        "InputManager::getInput(): Window close event. Setting game over."),
+            1u);
+}
 
 TEST_F(InputWindowTest, KeysAndMouseArriveStepByStep) {
   const std::string on_window = "search --name " + TITLE + " mousemove --window %1 ";

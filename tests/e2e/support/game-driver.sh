@@ -1,11 +1,23 @@
 #!/bin/bash
 # Shared by the scripts that play the real game: a private X server, the
-# game started under it, and xdotool keys, holds and screenshots. Source it
-# after setting GAME_DIR (the built game's folder), WORK (a scratch folder)
-# and SHOTS (where screenshots go).
+# game started under it, xdotool keys and holds that stop the script when
+# xdotool fails, screenshots of window regions and waits for what they show.
+# Source it after setting GAME_DIR (the built game's folder), WORK (a scratch
+# folder) and SHOTS (where screenshots go).
+
+# What the script is doing now; every failure names it.
+CURRENT_STEP="starting"
+step() {
+  CURRENT_STEP="$1"
+  echo "-- $1"
+}
 
 fail() {
-  echo "FAIL: $*"
+  echo "FAIL ($CURRENT_STEP): $*"
+  if [ -n "${GAME_PID:-}" ] && ! kill -0 "$GAME_PID" 2> /dev/null; then
+    wait "$GAME_PID"
+    echo "The game had ended with status $?."
+  fi
   [ -f "$WORK/vantor.log" ] && tail -20 "$WORK/vantor.log"
   exit 1
 }
@@ -26,8 +38,18 @@ cleanup() {
   rm -rf "$WORK"
 }
 
+# A copy of the game's configuration with a fixed random seed, in WORK; the
+# game started next reads it through VANTOR_CONFIG, so every run meets the
+# same enemies.
+use_fixed_seed() {
+  sed "s/^random_seed:.*/random_seed:$1,/" "$GAME_DIR/vt-config.txt" > "$WORK/vt-config.txt" ||
+    fail "cannot write the test configuration"
+  grep -qx "random_seed:$1," "$WORK/vt-config.txt" || fail "the configuration has no random_seed line"
+  export VANTOR_CONFIG="$WORK/vt-config.txt"
+}
+
 # Starts the game, its log in WORK, optionally under a wrapper command, and
-# waits for its window.
+# waits for its window: GAME_WINDOW is then its id.
 start_game() {
   cd "$GAME_DIR" || fail "no game folder"
   # Under the sanitizers the graphics driver's own leaks would be reported
@@ -36,29 +58,102 @@ start_game() {
   ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0" VANTOR_LOG="$WORK/vantor.log" \
     "$@" ./shooter &
   GAME_PID=$!
-  xdotool search --sync --name "^Vantor$" > /dev/null || fail "no window"
+  # A search walks every window and fails on one that goes away meanwhile:
+  # only this wait searches, and it tries again; keys and screenshots then
+  # go to the window found here.
+  GAME_WINDOW=""
+  local deadline=$((SECONDS + 20))
+  while [ -z "$GAME_WINDOW" ]; do
+    [ $SECONDS -lt $deadline ] || fail "no game window within 20 s"
+    game_running || fail "the game ended before it opened its window"
+    sleep 0.1
+    GAME_WINDOW=$(xdotool search --name "^Vantor$" 2> /dev/null | head -1)
+  done
 }
 
 game_running() { kill -0 "$GAME_PID" 2> /dev/null; }
 
-# The tools run niced, so that they take as little as possible from the
-# game's frames on a small machine.
-shot() { nice -n 15 import -window root "$SHOTS/$1.png"; }
-
-# A screenshot of one region only: cheap enough to take every second.
-region_shot() { nice -n 15 import -window root -crop "$2" +repage "$SHOTS/$1.png"; }
-
-# Pixels that differ between the same region of two screenshots.
-differing_pixels() {
-  nice -n 15 /usr/bin/convert "$SHOTS/$1.png" -crop "$3" +repage "$WORK/a.png"
-  nice -n 15 /usr/bin/convert "$SHOTS/$2.png" -crop "$3" +repage "$WORK/b.png"
-  nice -n 15 compare -metric AE -fuzz 10% "$WORK/a.png" "$WORK/b.png" null: 2>&1 | cut -d' ' -f1
+# Waits for the game to exit, up to $1 seconds; GAME_STATUS is its status.
+wait_for_exit() {
+  local deadline=$((SECONDS + $1))
+  while game_running; do
+    [ $SECONDS -lt $deadline ] || fail "the game did not exit within $1 s"
+    sleep 0.1
+  done
+  wait "$GAME_PID"
+  GAME_STATUS=$?
+  GAME_PID=""
 }
 
-key() { xdotool search --name "^Vantor$" windowfocus --sync key "$1"; }
+# xdotool, stopping the script when it fails. xdotool warns about a key name
+# it does not know and carries on with status 0: anything it writes to
+# standard error counts as a failure too.
+xdo() {
+  local errors
+  errors=$(xdotool "$@" 2>&1 > /dev/null)
+  local status=$?
+  [ "$status" -eq 0 ] && [ -z "$errors" ] || fail "xdotool $* failed (status $status): $errors"
+}
+
+key() { xdo windowfocus --sync "$GAME_WINDOW" key "$1"; }
+key_down() { xdo windowfocus --sync "$GAME_WINDOW" keydown "$1"; }
+key_up() { xdo keyup "$1"; }
 
 hold() {
-  xdotool search --name "^Vantor$" windowfocus --sync keydown "$1"
+  key_down "$1"
   sleep "$2"
-  xdotool keyup "$1"
+  key_up "$1"
+}
+
+# The ImageMagick tools are named by their full paths: a program of the same
+# name earlier on the PATH may be something else. They run at the game's own
+# priority: niced, they fall so far behind the game on a busy machine that it
+# plays on for seconds between two looks.
+shot() { /usr/bin/import -window "$GAME_WINDOW" "$SHOTS/$1.png" || fail "no screenshot $1"; }
+
+# A screenshot of one region of the game window, WxH+X+Y from the window's
+# corner: cheap enough to take several times a second.
+region_shot() {
+  /usr/bin/import -window "$GAME_WINDOW" -crop "$2" +repage "$SHOTS/$1.png" ||
+    fail "no screenshot $1"
+}
+
+# Pixels that differ between two screenshots of the same size; compare's
+# complaint instead of a number when it cannot tell, so that no test of the
+# count holds.
+differing_pixels() {
+  /usr/bin/compare -metric AE -fuzz 10% "$SHOTS/$1.png" "$SHOTS/$2.png" null: 2>&1 |
+    awk '$1 ~ /^[0-9.e+]+$/ { printf "%d\n", $1; next } { print "compare:", $0 }'
+}
+
+# Pixels of exactly one colour (an ImageMagick colour name) in a screenshot.
+colour_pixels() {
+  /usr/bin/convert "$SHOTS/$1.png" -alpha off -fill black +opaque "$2" \
+    -fill white -opaque "$2" -format "%[fx:round(mean*w*h)]" info:
+}
+
+# The left edge in pixels of what is drawn in one colour in a screenshot,
+# or -1 when nothing is.
+colour_left_edge() {
+  if [ "$(colour_pixels "$1" "$2")" -eq 0 ]; then
+    echo -1
+    return
+  fi
+  /usr/bin/convert "$SHOTS/$1.png" -alpha off -fill black +opaque "$2" \
+    -format "%@" info: | sed 's/.*+\([0-9]*\)+[0-9]*$/\1/'
+}
+
+# Polls a condition every 150 ms until it holds, for up to $2 seconds; the
+# wait fails the test with $1 as the thing that did not happen, followed by
+# WAIT_STATE, which a condition may set to what it saw last.
+wait_until() {
+  local what=$1 bound=$2
+  shift 2
+  local start=$SECONDS
+  WAIT_STATE=""
+  until "$@"; do
+    [ $((SECONDS - start)) -lt "$bound" ] || fail "$what (waited ${bound} s${WAIT_STATE:+; $WAIT_STATE})"
+    game_running || fail "the game ended while waiting: $what"
+    sleep 0.15
+  done
 }
