@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -82,6 +83,7 @@ class RecorderTest : public testing::Test {
     folder = test::makeTempDir();
     recording = folder + "/session.vrec";
   }
+  void TearDown() override { std::filesystem::remove_all(folder); }
   // Records the session with a walker of stride 1; returns where it ended.
   Vector recordSession() {
     vt::Harness harness;

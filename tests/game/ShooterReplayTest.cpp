@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -81,6 +82,7 @@ int replayShooter(const std::string& recording, std::string& said,
       " ./shooter 2> " + folder + "/stderr";
   const int status = std::system(command.c_str());
   said = test::readFile(folder + "/stderr");
+  std::filesystem::remove_all(folder);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
@@ -98,7 +100,8 @@ TEST(ShooterReplay, TheGameReplaysFromTheEnvironmentAndNamesWhereItDiverged) {
   std::string tampered = test::readFile(SESSIONS + "/defeat.vrec");
   const std::size_t digit = tampered.find("149 world:") + 10;
   tampered[digit] = tampered[digit] == '0' ? '1' : '0';
-  const std::string tampered_file = test::makeTempDir() + "/tampered.vrec";
+  const std::string tampered_folder = test::makeTempDir();
+  const std::string tampered_file = tampered_folder + "/tampered.vrec";
   std::ofstream(tampered_file) << tampered;
   EXPECT_EQ(replayShooter(tampered_file, said), vt::REPLAY_FAILED_STATUS);
   EXPECT_EQ(said, "vantor: the replay of " + tampered_file +
@@ -110,6 +113,7 @@ TEST(ShooterReplay, TheGameReplaysFromTheEnvironmentAndNamesWhereItDiverged) {
                        0),
             0u)
       << said;
+  std::filesystem::remove_all(tampered_folder);
 }
 
 }  // namespace
