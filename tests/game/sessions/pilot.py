@@ -7,6 +7,14 @@ window's pixels straight from it, many times a second, without taking
 screenshots. What it sees (the title art, the ship, the enemy shots, the
 boss, the closing art) drives xdotool, the only way input reaches the game.
 
+In a fight the pilot plays in step with the game: it stops the game's
+process (SIGSTOP; the game was started by the calling script) at the end
+of each step, looks, follows every enemy shot as a straight line, plans a
+course a couple of seconds ahead, sends the keys and lets the game run its
+next step (SIGCONT). The game's logic counts steps, not seconds, so this
+changes nothing in what is played or recorded; it only gives the pilot
+time to think on a busy machine.
+
     pilot.py FRAMEBUFFER WINDOW_ID WINDOW_X WINDOW_Y GAME_PID SCENARIO
 
 SCENARIO is one of:
@@ -38,10 +46,6 @@ CELL_W, CELL_H = WINDOW_W / COLUMNS, WINDOW_H / ROWS
 
 # Colour codes of a pixel: one bit for each bright channel.
 RED, GREEN, YELLOW, BLUE, MAGENTA, CYAN, WHITE = 1, 2, 3, 4, 5, 6, 7
-COLOUR_NAMES = {RED: "red", GREEN: "green", YELLOW: "yellow", MAGENTA: "magenta", CYAN: "cyan"}
-
-# One step of the game loop, in seconds (the configuration's frame_time).
-STEP = int(os.environ.get("PILOT_FRAME_MS", "33")) / 1000
 
 # Where a glyph's ink sits in its cell, in pixels from the cell's top-left
 # corner, measured on the enemy shot's glyphs; used to turn the centre of a
@@ -49,9 +53,9 @@ STEP = int(os.environ.get("PILOT_FRAME_MS", "33")) / 1000
 GLYPH_CENTRE_X, GLYPH_CENTRE_Y = 6.4, 19.0
 
 
-# The ship never flies above row 15 in play but when the pilot sends it up;
-# the title art reaches row 18, so the ship is looked for only with the
-# title gone.
+# The ship's art is looked for from this pixel row down: the ship flies no
+# higher in a fight (its top row is 13 at the highest), and cyan above it
+# is the title's.
 SHIP_TOP_PIXEL = 13 * 32
 
 
@@ -78,7 +82,7 @@ class Screen:
         self.file = open(path, "rb")
         self.map = mmap.mmap(self.file.fileno(), 0, access=mmap.ACCESS_READ)
         header = struct.unpack(">25I", self.map[:100])
-        header_size, depth, width, height = header[0], header[3], header[4], header[5]
+        header_size, width, height = header[0], header[4], header[5]
         byte_order, bits_per_pixel, bytes_per_line, colours = header[7], header[11], header[12], header[19]
         if bits_per_pixel != 32 or byte_order != 0:
             raise Failure(f"framebuffer is {bits_per_pixel} bits a pixel, byte order {byte_order}; "
@@ -133,27 +137,10 @@ class Screen:
             view.ship_y = int(ship[2] / CELL_H) - 1
         return view
 
-
     def signature(self):
         """A sample of the window's pixels that any glyph moving changes."""
         start = self.pixels + self.win_y * self.stride
         return self.map[start:start + WINDOW_H * self.stride:31]
-
-    def next_frame(self, previous, bound):
-        """Waits for the window to change from the signature previous; the
-        new signature and the time it was seen, or (None, time) after bound
-        seconds without a change."""
-        deadline = time.monotonic() + bound
-        while True:
-            now = self.signature()
-            seen = time.monotonic()
-            if now != previous:
-                # The server may still be copying the frame in.
-                time.sleep(0.001)
-                return now, seen
-            if seen > deadline:
-                return None, seen
-            time.sleep(0.0005)
 
     def settle(self, previous, bound=0.1):
         """The signature of the window once it differs from previous, or as
@@ -182,37 +169,38 @@ INK = re.compile(rb"([\x01-\x07])\1*")
 
 
 def blobs(runs, row_step):
-    """Groups red runs into glyph-sized blobs; returns their world centres."""
+    """Groups red runs (row, start, end) into glyph-sized blobs; returns the
+    world positions of the shots they show."""
     groups = []
     open_groups = []
     for y, start, end in runs:
-        centre = (start + end) / 2
         placed = None
         for group in open_groups:
-            if y - group[1] <= row_step and start < group[7] + 3 and end > group[6] - 3:
+            if y - group["last"] <= row_step and start < group["right"] + 3 and end > group["left"] - 3:
                 placed = group
                 break
         if placed is None:
-            # weight, last y, -, sum of x, sum of y, first y, left, right
-            placed = [0.0, y, 0, 0.0, 0.0, y, start, end]
+            placed = {"weight": 0, "sum_x": 0.0, "sum_y": 0.0, "first": y, "last": y,
+                      "left": start, "right": end}
             open_groups.append(placed)
             groups.append(placed)
         length = end - start
-        placed[0] += length
-        placed[3] += centre * length
-        placed[4] += y * length
-        placed[1] = y
-        placed[6] = min(placed[6], start)
-        placed[7] = max(placed[7], end)
-        open_groups = [g for g in open_groups if y - g[1] <= row_step]
+        placed["weight"] += length
+        placed["sum_x"] += (start + end) / 2 * length
+        placed["sum_y"] += y * length
+        placed["last"] = y
+        placed["left"] = min(placed["left"], start)
+        placed["right"] = max(placed["right"], end)
+        open_groups = [g for g in open_groups if y - g["last"] <= row_step]
     shots = []
-    for weight, last_y, _, sum_x, sum_y, first_y, left, right in groups:
+    for group in groups:
+        width = group["right"] - group["left"]
         # Art is big; a shot's glyph is small.
-        if last_y - first_y > 26 or right - left > 4 * CELL_W:
+        if group["last"] - group["first"] > 26 or width > 4 * CELL_W:
             continue
-        px, py = sum_x / weight, sum_y / weight
+        px, py = group["sum_x"] / group["weight"], group["sum_y"] / group["weight"]
         # Shots side by side touch: one blob as wide as two glyphs is two.
-        count = max(1, round((right - left) / CELL_W))
+        count = max(1, round(width / CELL_W))
         for i in range(count):
             x = px + (i - (count - 1) / 2) * CELL_W
             shots.append(((x - GLYPH_CENTRE_X) / CELL_W, (py - GLYPH_CENTRE_Y) / CELL_H))
@@ -231,7 +219,6 @@ class View:
     def count(self, colour, top=0, bottom=ROWS, left=0, right=COLUMNS):
         cells = self.counts[colour]
         return sum(sum(cells[r * COLUMNS + left:r * COLUMNS + right]) for r in range(top, bottom))
-
 
     # What the screen shows. The thresholds are far from what the other
     # screens give: the title's art is about 13,000 counted cyan pixels, a
@@ -451,11 +438,6 @@ class Track:
             self.x, self.y = mx + vx * (t - mt), my + vy * (t - mt)
 
 
-# Where the boss's shots start: its centre (40, 5) and three cells right,
-# up to ten cells either way.
-BOSS_GUN_X, BOSS_GUN_Y, BOSS_GUN_SPREAD = 43, 5, 10
-
-
 class Tracker:
     # Velocities a new shot is assumed to have, with their uncertainty,
     # until it has been seen for a while: (vx, vy, ux, uy) in cells a step,
@@ -463,7 +445,6 @@ class Tracker:
     # A drelk's shots fall at 0.1 and drift 0.05 either way; the boss's fan
     # anything from straight down to a cell a step sideways.
     DRELK_SHOT = (0.0, 0.1, 0.06, 0.01, 8)
-    # The boss's shots start from this point, give or take the spread.
     BOSS_SHOT = (0.0, 0.2, 1.05, 0.1, 1)
 
     def __init__(self):
@@ -474,13 +455,14 @@ class Tracker:
         self.tracks = []
 
     def update(self, t, shots):
+        prior = self.BOSS_SHOT if self.boss else self.DRELK_SHOT
         pairs = []
         for i, track in enumerate(self.tracks):
             px, py = track.at(t)
             dt = t - track.last()[0]
             if track.mature():
-                gate_x = 0.6 + 2 * track.ux * dt
-                gate_y = 0.45 + 2 * track.uy * dt
+                gate_x = 0.45 + 2 * track.ux * dt
+                gate_y = 0.35 + 2 * track.uy * dt
             else:
                 gate_x = 0.5 + track.ux * dt
                 gate_y = 0.35 + track.uy * dt
@@ -495,7 +477,7 @@ class Tracker:
                 continue
             used_tracks.add(i)
             used_shots.add(j)
-            self.tracks[i].add(t, *shots[j], self.prior_at(*shots[j]))
+            self.tracks[i].add(t, *shots[j], prior)
         kept = []
         for i, track in enumerate(self.tracks):
             if i not in used_tracks:
@@ -505,19 +487,8 @@ class Tracker:
                 kept.append(track)
         for j, (x, y) in enumerate(shots):
             if j not in used_shots:
-                kept.append(Track(t, x, y, self.prior_at(x, y)))
+                kept.append(Track(t, x, y, prior))
         self.tracks = kept
-
-    def prior_at(self, x, y):
-        """What a shot first seen at (x, y) is assumed to do. A boss's shot
-        seen well below the boss was lost and found again: it flew in a
-        straight line from the boss's guns, so its slope is roughly known."""
-        if not self.boss or y < BOSS_GUN_Y + 4:
-            return self.BOSS_SHOT if self.boss else self.DRELK_SHOT
-        drop = y - BOSS_GUN_Y
-        vx = (x - BOSS_GUN_X) * 0.2 / drop
-        ux = (BOSS_GUN_SPREAD + abs(x - BOSS_GUN_X)) * 0.1 / drop + 0.05
-        return (vx, 0.2, ux, 0.1, 1)
 
 
 # --------------------------------------------------------------------------
@@ -543,8 +514,6 @@ HORIZON = 60
 MARGIN_X, MARGIN_Y = 0.3, 0.2
 # The margins when those leave no way out: about what the look gets wrong.
 TIGHT_MARGINS = (0.12, 0.08)
-# Steps ahead a shot seen only once counts for.
-YOUNG_AHEAD = 12
 MOVES = {"": (0, 0), "a": (-1, 0), "d": (1, 0), "w": (0, -1), "s": (0, 1)}
 INSIDE = sum(1 << x for x in range(SHIP_LEFT, SHIP_RIGHT + 1))
 
@@ -557,9 +526,7 @@ def danger_masks(tracks, t_now, top, steps, margins=(MARGIN_X, MARGIN_Y)):
     danger = [[0] * rows for _ in range(steps)]
     for track in tracks:
         t0, x0, y0 = track.last()
-        # A shot seen once is too unsure to block the far future with.
-        ahead = steps if len(track.seen) >= 2 else min(steps, YOUNG_AHEAD)
-        for step in range(ahead):
+        for step in range(steps):
             dt = t_now + step - t0
             y = y0 + track.vy * dt
             reach_y = 2.0 + margins[1] + track.uy * dt

@@ -20,15 +20,26 @@
 # the game is played again with the next seed until one is won, up to
 # VICTORY_ATTEMPTS times.
 #
+# In the fight for a victory the pilot plays in step with the game: it
+# stops the game's process (this script's own child, by its PID) at the end
+# of every step while it looks and chooses, and lets it go on after.
+#
+# The replay tests check golden frames and scores at chosen steps of these
+# recordings: a new recording of the same session differs, so an existing
+# file is kept unless REPLACE=1, and what was derived from it must then be
+# made again.
+#
 # Environment: GAME_DIR (the built game's folder, default build/game),
-# RECORD_DISPLAY (the X display number, default 71), VICTORY_ATTEMPTS (10),
-# VICTORY_FIRST_SEED (101), KEEP_FAILED (a folder for the recordings of
-# lost attempts).
+# OUT_DIR (where recordings go, default this folder), REPLACE (1 to replace
+# existing recordings), RECORD_DISPLAY (the X display number, default 71),
+# VICTORY_ATTEMPTS (10), VICTORY_FIRST_SEED (101), KEEP_FAILED (a folder
+# for the recordings of lost attempts).
 set -uo pipefail
 
 HERE=$(cd "$(dirname "$0")" && pwd)
 ROOT=$(cd "$HERE/../../.." && pwd)
 GAME_DIR=$(cd "${GAME_DIR:-$ROOT/build/game}" && pwd) || exit 1
+OUT_DIR=$(mkdir -p "${OUT_DIR:-$HERE}" && cd "${OUT_DIR:-$HERE}" && pwd) || exit 1
 DISPLAY_NUMBER=${RECORD_DISPLAY:-71}
 VICTORY_ATTEMPTS=${VICTORY_ATTEMPTS:-10}
 VICTORY_FIRST_SEED=${VICTORY_FIRST_SEED:-101}
@@ -136,12 +147,12 @@ check_replay() {
 keep() {
   local name=$1
   check_replay "$WORK/$name.vrec"
-  mv "$WORK/$name.vrec" "$HERE/$name.vrec" || fail "cannot write $HERE/$name.vrec"
+  mv "$WORK/$name.vrec" "$OUT_DIR/$name.vrec" || fail "cannot write $OUT_DIR/$name.vrec"
   local bytes lines steps
-  bytes=$(stat -c %s "$HERE/$name.vrec")
-  lines=$(wc -l < "$HERE/$name.vrec")
-  steps=$(tail -1 "$HERE/$name.vrec" | cut -d' ' -f2)
-  echo "kept $name.vrec: $bytes bytes, $lines lines, $steps steps"
+  bytes=$(stat -c %s "$OUT_DIR/$name.vrec")
+  lines=$(wc -l < "$OUT_DIR/$name.vrec")
+  steps=$(tail -1 "$OUT_DIR/$name.vrec" | cut -d' ' -f2)
+  echo "kept $OUT_DIR/$name.vrec: $bytes bytes, $lines lines, $steps steps"
 }
 
 record_defeat() {
@@ -173,6 +184,11 @@ record_victory() {
 }
 
 [ $# -gt 0 ] || set -- splash-runs-out defeat victory
+for name in "$@"; do
+  if [ -e "$OUT_DIR/$name.vrec" ] && [ "${REPLACE:-0}" != 1 ]; then
+    fail "$OUT_DIR/$name.vrec exists; REPLACE=1 replaces it (and the frames made from it)"
+  fi
+done
 start_xvfb
 for name in "$@"; do
   case $name in
