@@ -59,9 +59,8 @@ int Recorder::startFromEnvironment() {
   int result = 0;
   if (isSet(p_record)) result = startRecording(p_record);
   if (isSet(p_replay)) {
-    result = startReplay(p_replay);
     const char* p_paced = std::getenv("VANTOR_REPLAY_PACED");
-    paced = p_paced != nullptr && std::strcmp(p_paced, "1") == 0;
+    result = startReplay(p_replay, p_paced != nullptr && std::strcmp(p_paced, "1") == 0);
   }
   from_environment = result == 0 && (isSet(p_record) || isSet(p_replay));
   return result;
@@ -103,12 +102,12 @@ int Recorder::startRecording(const std::string& new_file_name) {
   // game's seed, so that the recording can be replayed from its first step.
   if (GameManager::getInstance().isStarted())
     std::srand(seed == -1 ? 1 : static_cast<unsigned>(seed));
-  LogManager::getInstance().writeLog(1, "Recorder::startRecording(): recording into '%s'.",
+  LogManager::getInstance().writeLog("Recorder::startRecording(): recording into '%s'.",
                                      file_name.c_str());
   return 0;
 }
 
-int Recorder::startReplay(const std::string& new_file_name) {
+int Recorder::startReplay(const std::string& new_file_name, bool at_recorded_pace) {
   LogManager& log_manager = LogManager::getInstance();
   if (!isIdle("startReplay")) return -1;
   reset();
@@ -155,10 +154,12 @@ int Recorder::startReplay(const std::string& new_file_name) {
   recording = std::move(new_recording);
   file_name = new_file_name;
   mode = REPLAYING;
+  paced = at_recorded_pace;
   first_id = Object::peekNextId();
   InputManager::getInstance().setReplaying(true);
-  log_manager.writeLog(1, "Recorder::startReplay(): replaying %d steps of '%s'.",
-                       recording.getEndStep(), file_name.c_str());
+  log_manager.writeLog("Recorder::startReplay(): replaying %d steps of '%s' %s.",
+                       recording.getEndStep(), file_name.c_str(),
+                       paced ? "at the recorded pace" : "as fast as the loop runs");
   return 0;
 }
 

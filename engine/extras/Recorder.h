@@ -35,8 +35,9 @@ class Recorder {
   // Reads the whole recording and replays it from the next step on. Before
   // the engine starts, the recording's frame time and grid size replace the
   // configured ones; once started, they must match. 0 on success, -1 with
-  // a log line for a recording that cannot be read or used.
-  int startReplay(const std::string& file_name);
+  // a log line for a recording that cannot be read or used. Paced, the
+  // loop keeps to the recorded frame time; else it runs as fast as it can.
+  int startReplay(const std::string& file_name, bool at_recorded_pace = false);
   // Ends recording or replay: a recording gets its end line; a replay is
   // checked to have run to the recording's last step. Returns 0, or -1 when
   // the replay did not unfold as recorded.

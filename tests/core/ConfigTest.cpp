@@ -54,3 +54,23 @@ TEST(Config, MatchFindsTheFirstEntryOfAKeyAndKeepsTheLastText) {
   for (const char* line : {"\t1  r : 2", "match(): 0: q == r?"})
     EXPECT_NE(engine.logText().find(line), std::string::npos) << line;
 }
+
+// Every key reaches its setting, as the configuration block of the log shows.
+TEST(Config, EveryKeyIsRead) {
+  test::HeadlessEngine engine;
+  Config& config = Config::getInstance();
+  config.loadConfig(
+      "window_horizontal_pixels:640,window_vertical_pixels:480,window_horizontal_chars:40,"
+      "window_vertical_chars:12,window_background_color:blue,frame_time:20,"
+      "window_style:fullscreen,window_title:Mine,show_mouse:true,headless:true,font_file:my.ttf,"
+      "logfile:my.log,random_seed:-1,networking:true,font_scale:1.5,");
+  vt::LogManager::getInstance().setLogLevel(1);
+  config.printConfig();
+  for (const char* line : {"pixels: 640\n", "pixels: 480\n", "characters: 40\n", "characters: 12\n",
+                           "color: 4\n", "Frame time: 20\n", "style: fullscreen\n", "title: Mine\n",
+                           "mouse: true\n", "Headless: true\n", "Font file: my.ttf\n",
+                           "Log file: my.log\n", "seed: -1\n", "Networking: true\n"}) {
+    EXPECT_NE(engine.logText().find(line), std::string::npos) << line;
+  }
+  EXPECT_EQ(config.getFontScale(), 1.5f);
+}

@@ -48,8 +48,9 @@ class Walker : public vt::Object {
     return Object::eventHandler(p_event);
   }
   int draw() override {
-    return vt::DisplayManager::getInstance().drawString(getPosition(), "Hi", vt::LEFT_JUSTIFIED,
-                                                        vt::YELLOW);
+    vt::DisplayManager& display = vt::DisplayManager::getInstance();
+    display.drawCh(getPosition() + Vector(2, 0), '*', 200, 100, 0);
+    return display.drawString(getPosition(), "Hi", vt::LEFT_JUSTIFIED, vt::YELLOW);
   }
 
  private:
@@ -155,6 +156,15 @@ TEST_F(RecorderTest, ASessionReplaysAsPlayedAndTheFirstDifferenceIsNamed) {
 
 TEST_F(RecorderTest, BadRecordingsAreRefusedWithTheirReason) {
   recordSession();
+  {
+    // One thing at a time.
+    vt::Harness harness;
+    ASSERT_EQ(harness.startUp(), 0);
+    ASSERT_EQ(harness.record(folder + "/other.vrec"), 0);
+    EXPECT_EQ(harness.replay(recording), -1);
+    EXPECT_TRUE(
+        harness.logContains("Recorder::startReplay(): Error! A recording is already under way."));
+  }
   const std::string good = test::readFile(recording);
   const std::string header = good.substr(0, good.find("0 click"));
   const struct {
@@ -199,30 +209,35 @@ TEST_F(RecorderTest, GoldenFramesShowEachCellAndNameWhatDiffers) {
   // No golden frame yet: the frame is written beside it as .new.
   EXPECT_NE(harness.checkFrame(golden).find("no golden frame"), std::string::npos);
   const std::string drawn = test::readFile(golden + ".new");
-  // "Hi" at (10, 10 +- 0.01): the nearest cells, in yellow; the rest undrawn.
-  const std::string row_10 = std::string(10, ' ') + "Hi" + std::string(68, ' ') + "|\n";
-  const std::string colors_10 = std::string(10, '.') + "yy" + std::string(68, '.') + "|\n";
+  // "Hi*" at (10, 10 +- 0.01): the nearest cells, in yellow and a colour
+  // of the legend; the rest undrawn.
+  const std::string row_10 = std::string(10, ' ') + "Hi*" + std::string(67, ' ') + "|\n";
+  const std::string colors_10 = std::string(10, '.') + "yy0" + std::string(67, '.') + "|\n";
   EXPECT_EQ(drawn.rfind("frame 80x24 background Black\nchars:\n", 0), 0u);
   EXPECT_NE(drawn.find(row_10), std::string::npos) << drawn;
   EXPECT_NE(drawn.find(colors_10), std::string::npos) << drawn;
+  EXPECT_NE(drawn.find("\nlegend: 0=#c86400\n"), std::string::npos) << drawn;
   setenv("VANTOR_UPDATE_GOLDEN", "1", 1);
   EXPECT_EQ(harness.checkFrame(golden), "");
   unsetenv("VANTOR_UPDATE_GOLDEN");
   EXPECT_EQ(test::readFile(golden), drawn);
   harness.step();
   EXPECT_EQ(harness.checkFrame(golden), "");
-  // Moved one cell right: two cells differ in each layer.
+  // Moved one cell right: four cells differ in the characters, three in
+  // the colours.
   harness.clickMouse(vt::Mouse::LEFT, Vector(11, 10));
   harness.step();
   const std::string differences = harness.checkFrame(golden);
   for (const char* line :
        {"row 10, column 10: ' ' where the expected frame has 'H'",
-        "row 10, column 12: 'i' where the expected frame has ' '",
+        "row 10, column 12: 'i' where the expected frame has '*'",
         "row 10, column 10: nothing drawn where the expected frame has Yellow",
-        "row 10, column 12: Yellow where the expected frame has nothing drawn"}) {
+        "row 10, column 12: Yellow where the expected frame has #c86400",
+        "row 10, column 13: #c86400 where the expected frame has nothing drawn"}) {
     EXPECT_NE(differences.find(line), std::string::npos) << line << " in\n" << differences;
   }
-  EXPECT_NE(test::readFile(golden + ".diff").find("row 10, column 12"), std::string::npos);
+  EXPECT_NE(test::readFile(golden + ".diff").find("row 10, column 13"), std::string::npos);
+  EXPECT_EQ(differences.find("row 10, column 11: Yellow"), std::string::npos);
 }
 
 }  // namespace

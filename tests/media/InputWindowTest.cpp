@@ -13,6 +13,7 @@
 #include "core/Config.h"
 #include "core/GameManager.h"
 #include "core/LogManager.h"
+#include "extras/Recorder.h"
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/EventMouse.h"
@@ -161,8 +162,10 @@ std::size_t occurrences(const std::string& text, const std::string& part) {
 
 }  // namespace
 
-TEST_F(WindowedGameTest, CloseRequestFromTheServerEndsTheGame) {
+TEST_F(WindowedGameTest, CloseRequestFromTheServerEndsTheGameAndIsRecorded) {
   vt::GameManager& game_manager = vt::GameManager::getInstance();
+  const std::string recording = directory + "/closed.vrec";
+  ASSERT_EQ(vt::Recorder::getInstance().startRecording(recording), 0);
   // Steps without a request leave the game running.
   for (int i = 0; i < 5; i++) game_manager.step();
   ASSERT_FALSE(game_manager.getGameOver());
@@ -180,6 +183,15 @@ TEST_F(WindowedGameTest, CloseRequestFromTheServerEndsTheGame) {
   EXPECT_EQ(occurrences(stopAndReadLog(),
                         "InputManager::getInput(): Window close event. Setting game over."),
             1u);
+  // The close ends the recording's last step, and ends its replay there too,
+  // in a window whose own input is left aside.
+  const std::string recorded = test::readFile(recording);
+  EXPECT_NE(recorded.find(" close\nend " + std::to_string(steps + 5) + "\n"), std::string::npos)
+      << recorded;
+  ASSERT_EQ(game_manager.startUp(), 0);
+  ASSERT_EQ(vt::Recorder::getInstance().startReplay(recording), 0);
+  game_manager.run();
+  EXPECT_EQ(vt::Recorder::getInstance().stop(), 0) << vt::Recorder::getInstance().getFailure();
 }
 
 TEST_F(InputWindowTest, KeysAndMouseArriveStepByStep) {
