@@ -26,6 +26,10 @@ TEST(LogManager, LinesCarryTimeAndStepLevelsFilterThemAndOtherFilesGetTheirOwn) 
   EXPECT_TRUE(
       std::regex_search(log, std::regex(" setLogLevel\\(\\): log level 2\n +\\d+ no time\n")));
   EXPECT_EQ(test::readFile(extra), "first line\nsecond line\n");
+  // Flushed, a line is in the file as soon as it is written.
+  log_manager.setFlush(true);
+  log_manager.writeLog("flushed");
+  EXPECT_NE(test::readFile(engine.logPath()).find("flushed"), std::string::npos);
   // Every start begins the file afresh.
   log_manager.shutDown();
   ASSERT_EQ(log_manager.startUp(), 0);

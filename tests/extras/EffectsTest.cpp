@@ -10,6 +10,7 @@
 #include "core/Config.h"
 #include "core/EventStep.h"
 #include "core/GameManager.h"
+#include "extras/Harness.h"
 #include "extras/Particle.h"
 #include "extras/Particles.h"
 #include "extras/Pause.h"
@@ -176,5 +177,19 @@ TEST(Particles, PresetsSprayTheirCountAtTheirSpeedsAndLiveTheirLives) {
        {std::tuple{0, 255, 0}, {5, 128, 128}, {10, 0, 255}, {15, 0, 255}}) {
     vt::Particle::fadedColor(vt::YELLOW, age, 10, rgb[0], rgb[1], rgb[2]);
     EXPECT_EQ(std::vector<int>(rgb, rgb + 3), (std::vector<int>{level, level, blue})) << age;
+  }
+}
+
+// What each preset looks like a few steps in.
+TEST(Particles, EachPresetLooksAsItsGoldenFrame) {
+  for (int preset = vt::PARTICLE_BURST; preset <= vt::PARTICLE_SNOW; preset++) {
+    vt::Harness harness;
+    ASSERT_EQ(harness.startUp(), 0);
+    std::srand(1);
+    ASSERT_EQ(vt::addParticles(preset, Vector(40, 12), 2.0f, vt::GREEN), 0);
+    harness.step(8);
+    const std::string golden =
+        std::string(VANTOR_FRAMES_DIR) + "/particles-" + std::to_string(preset) + ".frame";
+    EXPECT_EQ(harness.checkFrame(golden), "");
   }
 }

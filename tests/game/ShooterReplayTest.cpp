@@ -73,6 +73,7 @@ const Session SESSIONS_PLAYED[] = {
       {97, "defeat-97-kills.frame", 62, "InGameBGM"},
       {99, "defeat-99-wiped.frame", -138, "InGameBGM"},
       {133, "defeat-133-game-over.frame", 3, "GameDead"},
+      {137, "defeat-137-burst.frame", 3, "GameDead"},
       {317, "defeat-317-title-again.frame", 9, "start music"}}},
     {"splash-runs-out.vrec",
      {{40, "splash-40.frame", -1, ""}, {91, "splash-91-title.frame", -1, "start music"}}},
