@@ -33,13 +33,17 @@ SCORE_SECOND_DIGIT="8x22+908+38"
 SCORE_ROW="176x26+778+36"
 WINDOW="1024x768+0+0"
 
-title_shown() {
-  region_shot title-now "$TITLE_REGION"
-  local cyan
-  cyan=$(colour_pixels title-now cyan)
-  WAIT_STATE="$cyan cyan pixels in the title region"
-  [ "$cyan" -gt 8000 ]
+# True when a region (name, geometry) holds more than a number of pixels of
+# a colour; the count goes into WAIT_STATE with the words given.
+region_holds() {
+  region_shot "$1" "$2"
+  local count
+  count=$(colour_pixels "$1" "$3")
+  WAIT_STATE="$count $3 pixels $5"
+  [ "$count" -gt "$4" ]
 }
+
+title_shown() { region_holds title-now "$TITLE_REGION" cyan 8000 "in the title region"; }
 
 # The title gone and the ship at the bottom.
 play_shown() {
@@ -98,11 +102,7 @@ screen_moved_on() {
 # one-digit score leaves blank the cell where a two-digit score ends.
 now_ms() { echo $(($(date +%s%N) / 1000000)); }
 score_has_two_digits() {
-  region_shot score-now "$SCORE_SECOND_DIGIT"
-  local yellow
-  yellow=$(colour_pixels score-now yellow)
-  WAIT_STATE="$yellow yellow pixels where a second digit would be"
-  [ "$yellow" -gt 20 ]
+  region_holds score-now "$SCORE_SECOND_DIGIT" yellow 20 "where a second digit would be"
 }
 
 # Fails once the score could have reached two digits by the clock alone.
