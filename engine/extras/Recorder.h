@@ -54,9 +54,6 @@ class Recorder {
   // True when the replay was asked for by the environment: a failed replay
   // then ends the process with a non-zero status after shutdown.
   bool isFromEnvironment() const { return from_environment; }
-  // The step of the session the loop is in (counted from the first step
-  // recorded or replayed, across every run of the loop).
-  int getStep() const { return step; }
 
   // The seed to seed the random numbers with: a replay's recorded seed in
   // place of the configured one.
@@ -75,12 +72,12 @@ class Recorder {
   // for tests that look at chosen steps.
   void setStepObserver(std::function<void(int)> observer) { step_observer = std::move(observer); }
 
+ private:
+  enum Mode { OFF, RECORDING, REPLAYING };
+
   // A fingerprint of the world: every object's id, type, position,
   // velocity and sprite frame, in the world's order.
   std::uint64_t worldHash(int& object_count) const;
-
- private:
-  enum Mode { OFF, RECORDING, REPLAYING };
 
   Recorder() = default;
   // Opening and checks common to both modes; false when busy.

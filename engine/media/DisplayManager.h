@@ -50,7 +50,6 @@ class DisplayManager : public Manager {
   // Headless, draws into the cell frame (and drawing succeeds) instead of
   // failing quietly. For tests, golden frames and replays.
   void setCapture(bool new_capturing);
-  bool isCapturing() const { return capturing; }
   // Jitters the screen for duration steps; add lengthens and strengthens a
   // shake under way.
   void shake(int severity_x, int severity_y, int duration, bool add = false);
