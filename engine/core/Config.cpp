@@ -87,6 +87,8 @@ int Config::loadConfig(std::string text) {
   storeString("window_title", window_title);
   storeBool("show_mouse", show_mouse);
   storeBool("headless", headless);
+  storeString("display", display);
+  storeBool("sound", sound);
   storeString("font_file", font_file);
   storeString("logfile", logfile);
   storeInt("random_seed", random_seed);
@@ -144,6 +146,8 @@ void Config::printConfig() const {
   log.writeLog(1, "  Window title: %s", window_title.c_str());
   log.writeLog(1, "  Show mouse: %s", boolText(show_mouse));
   log.writeLog(1, "  Headless: %s", boolText(headless));
+  log.writeLog(1, "  Display: %s", display.c_str());
+  log.writeLog(1, "  Sound: %s", boolText(sound));
   log.writeLog(1, "  Font file: %s", font_file.c_str());
   log.writeLog(1, "  Log file: %s", logfile.c_str());
   log.writeLog(1, "  Random seed: %d", random_seed);

@@ -54,6 +54,11 @@ class Config {
   void setShowMouse(bool value) { show_mouse = value; }
   bool getHeadless() const { return headless; }
   void setHeadless(bool value) { headless = value; }
+  // Where the game is shown: "window" (the default) or "terminal".
+  std::string getDisplay() const { return display; }
+  void setDisplay(std::string value) { display = std::move(value); }
+  bool getSound() const { return sound; }
+  void setSound(bool value) { sound = value; }
   std::string getFontFile() const { return font_file; }
   void setFontFile(std::string value) { font_file = std::move(value); }
   std::string getLogFile() const { return logfile; }
@@ -90,6 +95,8 @@ class Config {
   std::string window_title = "Vantor";
   bool show_mouse = false;
   bool headless = false;
+  std::string display = "window";
+  bool sound = true;
   std::string font_file = "vt-font.ttf";
   std::string logfile = "vantor.log";
   int random_seed = 0;

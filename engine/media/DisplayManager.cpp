@@ -7,7 +7,9 @@
 
 #include "core/Config.h"
 #include "core/LogManager.h"
+#include "media/CellBatch.h"
 #include "media/LogStreamBuf.h"
+#include "media/Terminal.h"
 #include "world/WorldManager.h"
 
 // Last: Xlib defines macros (None, Status, Bool) that clash with other headers.
@@ -26,50 +28,8 @@ static_assert(WINDOW_STYLE_FULLSCREEN == sf::Style::Fullscreen);
 const sf::Uint32 FIRST_PRELOADED_CHAR = 32;
 const sf::Uint32 LAST_PRELOADED_CHAR = 126;
 
-// A quad is two triangles; a cell is a background quad and a glyph quad.
-const std::size_t VERTICES_PER_QUAD = 6;
-const std::size_t VERTICES_PER_CELL = 2 * VERTICES_PER_QUAD;
-
-// Mesa's software renderer (llvmpipe) spends more on one long draw than on
-// the same triangles in runs of a few hundred vertices: a full screen took
-// about a quarter less CPU in runs of 384. A multiple of six keeps quads
-// whole; the runs are drawn in order, so the picture is the same.
-const std::size_t VERTICES_PER_DRAW = 384;
-
 // sf::Text pads every glyph quad by one pixel so that smoothing has room.
 const float GLYPH_PADDING = 1.0f;
-
-// A rectangle by its edges: an intersection keeps the very floats that the
-// rectangles are drawn with, so it covers exactly the pixels both cover.
-struct Edges {
-  float left;
-  float top;
-  float right;
-  float bottom;
-
-  bool isEmpty() const { return left >= right || top >= bottom; }
-  Edges intersection(const Edges& other) const {
-    return {std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),
-            std::min(bottom, other.bottom)};
-  }
-  // Appends what is left of this rectangle outside cover: itself, nothing,
-  // or up to four pieces around the part covered.
-  void subtract(const Edges& cover, std::vector<Edges>& rest) const {
-    const Edges inside = intersection(cover);
-    if (inside.isEmpty()) {
-      rest.push_back(*this);
-      return;
-    }
-    if (top < inside.top) rest.push_back({left, top, right, inside.top});
-    if (inside.bottom < bottom) rest.push_back({left, inside.bottom, right, bottom});
-    if (left < inside.left) rest.push_back({left, inside.top, inside.left, inside.bottom});
-    if (inside.right < right) rest.push_back({inside.right, inside.top, right, inside.bottom});
-  }
-};
-
-// SFML keeps a white square at the top-left of every font page; sampling its
-// middle gives plain colour for the cell backgrounds.
-const Edges WHITE_TEXEL = {1.0f, 1.0f, 1.0f, 1.0f};
 
 // A connection of our own to the X server, open before SFML is asked for
 // anything (SFML aborts when it cannot connect) and held while SFML connects:
@@ -101,161 +61,7 @@ bool isBlank(sf::Uint32 code) {
   return code == ' ' || code == '\t' || code == '\n';
 }
 
-int clampedIndex(float position, float bucket_size, int count) {
-  const float index = std::floor(position / bucket_size);
-  if (std::isnan(index)) return 0;
-  return static_cast<int>(std::clamp(index, 0.0f, static_cast<float>(count - 1)));
-}
-
 }  // namespace
-
-// The characters drawn since the last flush, as one list of triangles over
-// the font's page texture in call order: each cell's background, then its
-// glyph. While the window shows only the background colour apart from this
-// batch's glyphs (right after a clear), a background changes pixels only
-// where earlier glyphs reach into its cell, so only those overlaps are drawn:
-// the picture is the same with far fewer pixels filled. Glyphs are found
-// through a grid of cell-sized buckets. Quads that reach no pixel of the
-// window are left out.
-class CellBatch {
- public:
-  CellBatch(sf::Vector2f cell_size, int columns, int rows)
-      : cell_size(cell_size),
-        columns(std::max(columns, 1)),
-        rows(std::max(rows, 1)),
-        window({0.0f, 0.0f, cell_size.x * static_cast<float>(this->columns),
-                cell_size.y * static_cast<float>(this->rows)}),
-        buckets(static_cast<std::size_t>(this->columns * this->rows)) {
-    vertices.reserve(buckets.size() * VERTICES_PER_CELL);
-  }
-
-  // Set after the window was cleared to the colour the backgrounds to come
-  // are drawn in; anything else drawn into the window ends it.
-  void setPlainBackground(bool plain) { plain_background = plain; }
-
-  void addBackground(const Edges& cell, sf::Color color) {
-    if (isOffScreen(cell)) return;
-    if (plain_background) {
-      addOverlaps(cell, color);
-    } else {
-      addQuad(cell, WHITE_TEXEL, color);
-    }
-  }
-
-  void addGlyph(const Edges& quad, const Edges& tex, sf::Color color) {
-    if (isOffScreen(quad)) return;
-    const std::size_t index = glyph_pieces.size();
-    glyph_quads.push_back({vertices.size()});
-    addQuad(quad, tex, color);
-    glyph_pieces.push_back({quad});
-    glyph_stamps.push_back(0);
-    forEachBucket(quad, [&](std::vector<std::size_t>& bucket) { bucket.push_back(index); });
-  }
-
-  // Draws and forgets the batch. Its glyphs stay in the window unrecorded,
-  // so the background is no longer plain.
-  void draw(sf::RenderTarget& target, const sf::Texture& texture) {
-    const sf::RenderStates states(&texture);
-    for (std::size_t first = 0; first < vertices.size(); first += VERTICES_PER_DRAW) {
-      const std::size_t count = std::min(VERTICES_PER_DRAW, vertices.size() - first);
-      target.draw(vertices.data() + first, count, sf::Triangles, states);
-    }
-    vertices.clear();
-    glyph_pieces.clear();
-    glyph_stamps.clear();
-    glyph_quads.clear();
-    stamp = 0;
-    for (std::vector<std::size_t>& bucket : buckets) bucket.clear();
-    plain_background = false;
-  }
-
- private:
-  // Nothing of it would reach a pixel of the window.
-  bool isOffScreen(const Edges& rect) const { return window.intersection(rect).isEmpty(); }
-
-  // The parts of the cell that earlier glyphs cover, each glyph once. What
-  // is painted over is forgotten: many glyphs drawn into one cell (a heads-
-  // up display drawn over itself) then cost one quad each, not one for every
-  // later background. A glyph painted over whole is dropped with the quads
-  // that painted it: the plain background shows there either way.
-  void addOverlaps(const Edges& cell, sf::Color color) {
-    stamp++;
-    forEachBucket(cell, [&](std::vector<std::size_t>& bucket) {
-      for (std::size_t index : bucket) {
-        if (glyph_stamps[index] == stamp) continue;
-        glyph_stamps[index] = stamp;
-        std::vector<Edges>& pieces = glyph_pieces[index];
-        unpainted.clear();
-        for (const Edges& piece : pieces) {
-          const Edges overlap = cell.intersection(piece);
-          if (!overlap.isEmpty()) {
-            glyph_quads[index].push_back(vertices.size());
-            addQuad(overlap, WHITE_TEXEL, color);
-          }
-          piece.subtract(cell, unpainted);
-        }
-        pieces.swap(unpainted);
-        if (pieces.empty()) dropQuads(glyph_quads[index]);
-      }
-      // Glyphs painted over whole leave the bucket, so that a cell drawn
-      // over many times is not walked over all its past glyphs each time.
-      bucket.erase(std::remove_if(bucket.begin(), bucket.end(),
-                                  [&](std::size_t index) { return glyph_pieces[index].empty(); }),
-                   bucket.end());
-    });
-  }
-
-  // Collapses each quad to a point, which draws nothing.
-  void dropQuads(std::vector<std::size_t>& starts) {
-    for (const std::size_t start : starts) {
-      for (std::size_t i = start + 1; i < start + VERTICES_PER_QUAD; i++) {
-        vertices[i].position = vertices[start].position;
-      }
-    }
-    starts.clear();
-  }
-
-  // Two triangles, in the order sf::Text builds a glyph.
-  void addQuad(const Edges& quad, const Edges& tex, sf::Color color) {
-    const sf::Vertex top_left({quad.left, quad.top}, color, {tex.left, tex.top});
-    const sf::Vertex top_right({quad.right, quad.top}, color, {tex.right, tex.top});
-    const sf::Vertex bottom_left({quad.left, quad.bottom}, color, {tex.left, tex.bottom});
-    const sf::Vertex bottom_right({quad.right, quad.bottom}, color, {tex.right, tex.bottom});
-    vertices.insert(vertices.end(),
-                    {top_left, top_right, bottom_left, bottom_left, top_right, bottom_right});
-  }
-
-  // Calls visit with every bucket the rectangle touches; parts beyond the
-  // window count towards the buckets at its edge.
-  template <typename Visit>
-  void forEachBucket(const Edges& rect, Visit visit) {
-    const int first_column = clampedIndex(rect.left, cell_size.x, columns);
-    const int last_column = clampedIndex(rect.right, cell_size.x, columns);
-    const int first_row = clampedIndex(rect.top, cell_size.y, rows);
-    const int last_row = clampedIndex(rect.bottom, cell_size.y, rows);
-    for (int row = first_row; row <= last_row; row++) {
-      for (int column = first_column; column <= last_column; column++) {
-        visit(buckets[static_cast<std::size_t>(row * columns + column)]);
-      }
-    }
-  }
-
-  sf::Vector2f cell_size;
-  int columns;
-  int rows;
-  Edges window;
-  std::vector<sf::Vertex> vertices;
-  // The parts of each glyph not yet painted over.
-  std::vector<std::vector<Edges>> glyph_pieces;
-  std::vector<Edges> unpainted;
-  // The last background query that met each glyph, so that it meets it once.
-  std::vector<unsigned int> glyph_stamps;
-  // Where each glyph's quad and the quads painted over it start.
-  std::vector<std::vector<std::size_t>> glyph_quads;
-  unsigned int stamp = 0;
-  std::vector<std::vector<std::size_t>> buckets;
-  bool plain_background = false;
-};
 
 DisplayManager::DisplayManager() {
   setType("DisplayManager");
@@ -288,9 +94,12 @@ int DisplayManager::startUp() {
         window_vertical_chars);
     return -1;
   }
+  if (chooseDisplay() != 0) return -1;
   if (config.getHeadless()) {
     log_manager.writeLog(1,
                          "DisplayManager::startUp(): not doing graphics since in headless mode.");
+  } else if (terminal) {
+    if (openTerminal() != 0) return -1;
   } else if (openWindow() != 0 || loadFont() != 0) {
     p_window.reset();
     return -1;
@@ -304,6 +113,46 @@ int DisplayManager::startUp() {
   Manager::startUp();
   log_manager.writeLog(5, "DisplayManager::startUp(): successfully started.");
   return 0;
+}
+
+int DisplayManager::chooseDisplay() {
+  const char* p_chosen = std::getenv("VANTOR_DISPLAY");
+  const std::string display = p_chosen != nullptr && *p_chosen != '\0'
+                                  ? std::string(p_chosen)
+                                  : Config::getInstance().getDisplay();
+  terminal = display == "terminal" && !Config::getInstance().getHeadless();
+  if (display == "terminal" || display == "window") return 0;
+  LogManager::getInstance().writeLog(
+      "DisplayManager::startUp(): Error! Unknown display '%s': 'window' or 'terminal'.",
+      display.c_str());
+  return -1;
+}
+
+int DisplayManager::openTerminal() {
+  if (Terminal::getInstance().open() != 0) return -1;
+  terminal_screen.setColorMode(
+      TerminalScreen::colorModeFor(std::getenv("COLORTERM"), std::getenv("TERM")));
+  fitTerminalScreen();
+  return 0;
+}
+
+void DisplayManager::fitTerminalScreen() {
+  int columns = window_horizontal_chars;
+  int rows = window_vertical_chars;
+  Terminal::getInstance().getSize(columns, rows);
+  terminal_screen.setSize(columns, rows);
+  LogManager::getInstance().writeLog(
+      1, "DisplayManager: a terminal of %dx%d cells for a game of %dx%d%s.", columns, rows,
+      window_horizontal_chars, window_vertical_chars,
+      columns < window_horizontal_chars || rows < window_vertical_chars ? ": showing its top-left"
+                                                                        : "");
+}
+
+void DisplayManager::presentInTerminal() {
+  Terminal& tty = Terminal::getInstance();
+  if (tty.takeResized()) fitTerminalScreen();
+  // A terminal that did not take the whole frame shows something else now.
+  if (!tty.write(terminal_screen.render(frame))) terminal_screen.invalidate();
 }
 
 int DisplayManager::openWindow() {
@@ -363,6 +212,9 @@ int DisplayManager::loadFont() {
 
 void DisplayManager::shutDown() {
   capturing = false;
+  if (terminal) Terminal::getInstance().close();
+  terminal = false;
+  drawable_skip_logged = false;
   p_cells.reset();
   if (p_window != nullptr) p_window->close();
   // The font's textures and the window go while the display is still there.
@@ -379,7 +231,7 @@ bool DisplayManager::canDraw() const {
 
 bool DisplayManager::canDrawCells() const {
   if (notStarted()) return false;
-  return p_window != nullptr || capturing;
+  return p_window != nullptr || capturing || terminal;
 }
 
 int DisplayManager::drawCh(Vector world_pos, char ch, Color color) {
@@ -450,6 +302,7 @@ int DisplayManager::drawString(Vector world_pos, std::string str, Justification 
 }
 
 int DisplayManager::drawLine(Vector world_p1, Vector world_p2, Color color) {
+  if (terminal) return drawCellLine(world_p1, world_p2, color);
   if (!canDraw()) return -1;
   const Vector p1 = spacesToPixels(worldToView(world_p1));
   const Vector p2 = spacesToPixels(worldToView(world_p2));
@@ -461,7 +314,30 @@ int DisplayManager::drawLine(Vector world_p1, Vector world_p2, Color color) {
   return 0;
 }
 
+// The cells nearest to the line, one a step along its longer axis.
+int DisplayManager::drawCellLine(Vector world_p1, Vector world_p2, Color color) {
+  if (!canDrawCells()) return -1;
+  const Vector span = world_p2 - world_p1;
+  const float dx = span.getX();
+  const float dy = span.getY();
+  const char ch =
+      std::fabs(dy) < 0.5f ? '-' : (std::fabs(dx) < 0.5f ? '|' : (dx * dy > 0 ? '\\' : '/'));
+  const float length = std::max(std::fabs(dx), std::fabs(dy));
+  // Also false for NaN; a line longer than any grid is cut short.
+  const int steps = length >= 0 ? static_cast<int>(std::min(length, 4096.0f)) : 0;
+  for (int i = 0; i <= steps; i++) {
+    const float t = steps == 0 ? 0.0f : static_cast<float>(i) / static_cast<float>(steps);
+    drawCh(world_p1 + span * t, ch, color);
+  }
+  return 0;
+}
+
 int DisplayManager::drawDrawable(const sf::Drawable& drawable) {
+  if (terminal && !drawable_skip_logged) {
+    LogManager::getInstance().writeLog(
+        "DisplayManager::drawDrawable(): SFML drawables are not shown in a terminal.");
+    drawable_skip_logged = true;
+  }
   if (!canDraw()) return -1;
   flushCells();
   p_window->draw(drawable);
@@ -485,7 +361,9 @@ void DisplayManager::setCapture(bool new_capturing) {
 }
 
 int DisplayManager::swapBuffers() {
+  if (terminal && isStarted()) presentInTerminal();
   if (isStarted()) frame.reset(window_horizontal_chars, window_vertical_chars, frame_background);
+  if (terminal) return 0;
   if (!canDraw()) return -1;
   flushCells();
   p_window->display();

@@ -9,6 +9,7 @@
 #include "core/Manager.h"
 #include "core/Vector.h"
 #include "media/CellFrame.h"
+#include "media/TerminalScreen.h"
 
 namespace vt {
 
@@ -20,8 +21,9 @@ enum Justification {
 
 class CellBatch;
 
-// Owns the game window and turns the character-cell world into pixels: every
-// character is a background-coloured cell with a glyph centred in it.
+// Shows the character-cell world, in a window or in a terminal. In a window
+// every character is a background-coloured cell with a glyph centred in it;
+// in a terminal each step's cell frame is written, the cells that changed.
 class DisplayManager : public Manager {
  public:
   static DisplayManager& getInstance();
@@ -34,10 +36,11 @@ class DisplayManager : public Manager {
   int drawCh(Vector world_pos, char ch, Color color);
   int drawCh(Vector world_pos, char ch, unsigned char r, unsigned char g, unsigned char b);
   int drawString(Vector world_pos, std::string str, Justification just, Color color);
-  // A one-pixel line between two world positions.
+  // A one-pixel line between two world positions; in a terminal, a line of
+  // cells.
   int drawLine(Vector world_p1, Vector world_p2, Color color = WHITE);
   // Draws an SFML drawable into the window, above the characters drawn so
-  // far in this frame.
+  // far in this frame. A terminal cannot show it: -1 there.
   int drawDrawable(const sf::Drawable& drawable);
 
   bool setBackgroundColor(Color new_color);
@@ -59,11 +62,20 @@ class DisplayManager : public Manager {
   int getHorizontalPixels() const { return window_horizontal_pixels; }
   int getVerticalPixels() const { return window_vertical_pixels; }
   sf::RenderWindow* getWindow() const { return p_window.get(); }
+  // True when the game is shown in a terminal.
+  bool isTerminal() const { return terminal; }
 
  private:
   DisplayManager();
 
+  // Window or terminal, from VANTOR_DISPLAY or else the configuration.
+  int chooseDisplay();
   int openWindow();
+  int openTerminal();
+  // The terminal's screen takes the terminal's size.
+  void fitTerminalScreen();
+  void presentInTerminal();
+  int drawCellLine(Vector world_p1, Vector world_p2, Color color);
   void centreWindow();
   int loadFont();
   // True when drawing may go ahead; logs when the manager is not started.
@@ -82,6 +94,9 @@ class DisplayManager : public Manager {
   CellFrame frame;
   Color frame_background = BLACK;
   bool capturing = false;
+  bool terminal = false;
+  TerminalScreen terminal_screen;
+  bool drawable_skip_logged = false;
   sf::Color window_background_color = sf::Color::Black;
   int window_horizontal_pixels = 0;
   int window_vertical_pixels = 0;

@@ -2,6 +2,7 @@
 
 #include <SFML/Window/Keyboard.hpp>
 #include <SFML/Window/Mouse.hpp>
+#include <chrono>
 
 #include "core/Config.h"
 #include "core/GameManager.h"
@@ -9,6 +10,7 @@
 #include "media/DisplayManager.h"
 #include "media/EventMouse.h"
 #include "media/InputTranslation.h"
+#include "media/Terminal.h"
 
 namespace vt {
 
@@ -16,6 +18,12 @@ namespace {
 
 // Polled for PRESSED events, in this order.
 const sf::Mouse::Button POLLED_BUTTONS[] = {sf::Mouse::Left, sf::Mouse::Right, sf::Mouse::Middle};
+
+long monotonicMilliseconds() {
+  return static_cast<long>(std::chrono::duration_cast<std::chrono::milliseconds>(
+                               std::chrono::steady_clock::now().time_since_epoch())
+                               .count());
+}
 
 Vector pixelsToCells(int pixel_x, int pixel_y) {
   return pixelsToSpaces(Vector(static_cast<float>(pixel_x), static_cast<float>(pixel_y)));
@@ -54,6 +62,7 @@ int InputManager::startUp() {
         "first.");
     return -1;
   }
+  if (display_manager.isTerminal()) return finishStartUp();
   sf::RenderWindow* p_window = display_manager.getWindow();
   if (p_window == nullptr) {
     log_manager.writeLog(
@@ -82,6 +91,8 @@ void InputManager::shutDown() {
   log_manager.writeLog(5, "InputManager::shutDown(): successfully stopped.");
   queued_events.clear();
   fed_input.clear();
+  terminal_input.flush();
+  terminal_controls.clear();
   Manager::shutDown();
 }
 
@@ -95,6 +106,10 @@ void InputManager::getInput() {
     return;
   }
   if (Config::getInstance().getHeadless()) return;
+  if (DisplayManager::getInstance().isTerminal()) {
+    sendTerminalInput();
+    return;
+  }
   sf::RenderWindow* p_window = DisplayManager::getInstance().getWindow();
   if (p_window == nullptr) {
     LogManager::getInstance().writeLog(
@@ -139,18 +154,57 @@ bool InputManager::sendFedInput() {
       closeWindow();
       return false;
     }
-    if (record.kind == InputRecord::KEY) {
-      sendKey(record.code, record.action);
-    } else {
-      sendMouse(record.action, record.code, record.position);
-    }
+    sendRecord(record);
   }
   return true;
+}
+
+void InputManager::sendRecord(const InputRecord& record) {
+  if (record.kind == InputRecord::KEY) {
+    sendKey(record.code, record.action);
+  } else if (record.kind == InputRecord::MOUSE) {
+    sendMouse(record.action, record.code, record.position);
+  }
+}
+
+void InputManager::sendTerminalInput() {
+  const long now_ms = monotonicMilliseconds();
+  for (const TerminalEvent& event : readTerminal()) {
+    if (event.type == TerminalEvent::QUIT) {
+      closeWindow();
+      return;
+    }
+    terminal_controls.take(event, now_ms);
+  }
+  for (const InputRecord& record : terminal_controls.takeStep(now_ms)) sendRecord(record);
+}
+
+std::vector<TerminalEvent> InputManager::readTerminal() {
+  Terminal& terminal = Terminal::getInstance();
+  if (terminal.takeQuitRequest()) {
+    TerminalEvent quit;
+    quit.type = TerminalEvent::QUIT;
+    return {quit};
+  }
+  const std::string bytes = terminal.read();
+  std::vector<TerminalEvent> events = terminal_input.feed(bytes.data(), bytes.size());
+  // A step with nothing new is silence enough to end a lone Escape.
+  if (bytes.empty() && terminal_input.hasPending()) events = terminal_input.flush();
+  return events;
 }
 
 // Replaying, the window's own input is left aside, but its close button
 // still works.
 void InputManager::watchWindowClose() {
+  if (DisplayManager::getInstance().isTerminal()) {
+    for (const TerminalEvent& event : readTerminal()) {
+      if (event.type == TerminalEvent::QUIT) {
+        closeWindow();
+        return;
+      }
+    }
+    return;
+  }
   sf::RenderWindow* p_window = DisplayManager::getInstance().getWindow();
   sf::Event event;
   while (p_window != nullptr && p_window->pollEvent(event)) {

@@ -10,12 +10,16 @@
 #include "media/EventKeyboard.h"
 #include "media/EventMouse.h"
 #include "media/InputRecord.h"
+#include "media/TerminalControls.h"
+#include "media/TerminalInput.h"
 
 namespace vt {
 
 // Once per step turns the window's events and the held keys and mouse
 // buttons into "vt-keyboard" and "vt-mouse" events for the objects
-// registered for them; the window's close button ends the game.
+// registered for them; the window's close button ends the game. In a
+// terminal the same events come from the terminal's keys and mouse, and
+// Ctrl-C or an interrupt, termination or hang-up signal ends the game.
 class InputManager : public Manager {
  public:
   static InputManager& getInstance();
@@ -59,6 +63,10 @@ class InputManager : public Manager {
   // Delivers the queued window events; false when the window asked to close.
   bool sendWindowEvents(sf::Window& window);
   void sendWindowEvent(const sf::Event& event);
+  void sendTerminalInput();
+  // The terminal's news since the last step, a quit request included.
+  std::vector<TerminalEvent> readTerminal();
+  void sendRecord(const InputRecord& record);
   void sendKey(int key, int action);
   void sendMouse(int action, int button, Vector position);
   void sendHeldButtons(const sf::Window& window);
@@ -66,6 +74,7 @@ class InputManager : public Manager {
   void sendQueuedEvents();
   // Delivers the fed input; false when it asked the window to close.
   bool sendFedInput();
+  // Replaying, the window's close button and the terminal's quit still work.
   void watchWindowClose();
   // Ends the game at the window's close request.
   void closeWindow();
@@ -74,6 +83,8 @@ class InputManager : public Manager {
   bool replaying = false;
   std::vector<InputRecord> fed_input;
   std::vector<InputRecord> delivered_input;
+  TerminalInput terminal_input;
+  TerminalControls terminal_controls;
 };
 
 }  // namespace vt

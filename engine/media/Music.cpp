@@ -1,5 +1,6 @@
 #include "media/Music.h"
 
+#include "core/Config.h"
 #include "core/LogManager.h"
 
 namespace vt {
@@ -10,6 +11,7 @@ int Music::loadMusic(std::string filename) {
 }
 
 void Music::play(bool loop) {
+  if (!Config::getInstance().getSound()) return;
   LogManager::getInstance().writeLog(5, "Music::play(): Playing music.");
   if (rewind_pending) {
     music.stop();

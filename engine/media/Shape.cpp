@@ -38,8 +38,27 @@ void Shape::setType(int new_type) {
   type = new_type;
 }
 
+// A terminal shows a shape as one cell in its colour.
+char Shape::cellCharacter() const {
+  switch (type) {
+    case CIRCLE:
+      return 'o';
+    case SQUARE:
+      return '#';
+    case TRIANGLE:
+      return '^';
+    default:
+      return ' ';
+  }
+}
+
 void Shape::draw(Vector world_position) {
   DisplayManager& display_manager = DisplayManager::getInstance();
+  if (color != CUSTOM) colorToRGB(color, r, g, b);
+  if (display_manager.isTerminal()) {
+    if (type != UNDEFINED_SHAPE) display_manager.drawCh(world_position, cellCharacter(), r, g, b);
+    return;
+  }
   if (display_manager.getWindow() == nullptr) {
     LogManager::getInstance().writeLog(5, "Shape::draw(): DisplayManager window not defined.");
     return;
@@ -47,7 +66,6 @@ void Shape::draw(Vector world_position) {
   const Vector pixels = spacesToPixels(worldToView(world_position));
   const float px = pixels.getX();
   const float py = pixels.getY();
-  if (color != CUSTOM) colorToRGB(color, r, g, b);
   sf::CircleShape& shape = sharedShape();
   shape.setFillColor(sf::Color(r, g, b, opacity));
   switch (type) {

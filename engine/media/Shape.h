@@ -17,7 +17,8 @@ enum ShapeType {
 };
 
 // A small filled figure drawn with the window's own shapes at a world
-// position, sized in pixels.
+// position, sized in pixels. A terminal shows it as one cell: 'o' for a
+// circle, '#' for a square, '^' for a triangle.
 class Shape {
  public:
   Color getColor() const { return color; }
@@ -42,6 +43,8 @@ class Shape {
   static const sf::CircleShape& getDrawnShape();
 
  private:
+  char cellCharacter() const;
+
   Color color = WHITE;
   unsigned char r = 255;
   unsigned char g = 255;

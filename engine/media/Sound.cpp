@@ -1,5 +1,6 @@
 #include "media/Sound.h"
 
+#include "core/Config.h"
 #include "core/LogManager.h"
 
 namespace vt {
@@ -40,6 +41,7 @@ int Sound::loadSound(std::string filename) {
 }
 
 void Sound::play(bool loop) {
+  if (!Config::getInstance().getSound()) return;
   LogManager::getInstance().writeLog(5, "Sound::play(): Playing sound.");
   sound.play();
   sound.setLoop(loop);

@@ -1,0 +1,215 @@
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "media/CellFrame.h"
+#include "media/TerminalScreen.h"
+
+namespace {
+
+using vt::TerminalScreen;
+
+// A terminal as far as the screen's output needs one: cursor moves, colours,
+// clearing, and characters written without wrapping.
+class VirtualTerminal {
+ public:
+  VirtualTerminal(int columns, int rows)
+      : columns(columns), rows(rows), cells(static_cast<std::size_t>(columns * rows)) {}
+
+  struct Cell {
+    char ch = 0;
+    std::string foreground;
+    std::string background;
+  };
+
+  void apply(const std::string& bytes) {
+    for (std::size_t i = 0; i < bytes.size(); i++) {
+      if (bytes[i] != '\x1b') {
+        put(bytes[i]);
+        continue;
+      }
+      ASSERT_LT(i + 1, bytes.size());
+      ASSERT_EQ(bytes[i + 1], '[') << "only control sequences are written";
+      std::size_t end = i + 2;
+      while (end < bytes.size() && !(bytes[end] >= '@' && bytes[end] <= '~')) end++;
+      ASSERT_LT(end, bytes.size()) << "a sequence is cut short";
+      control(bytes.substr(i + 2, end - i - 2), bytes[end], bytes.substr(i, end - i + 1));
+      i = end;
+    }
+  }
+
+  const Cell& at(int column, int row) const {
+    return cells[static_cast<std::size_t>(row * columns + column)];
+  }
+
+  std::string rowText(int row) const {
+    std::string text;
+    for (int column = 0; column < columns; column++) text += at(column, row).ch;
+    return text;
+  }
+
+ private:
+  void put(char ch) {
+    ASSERT_TRUE(ch >= 32 && ch < 127) << "a control byte reached the screen: " << int(ch);
+    ASSERT_TRUE(x >= 0 && x < columns && y >= 0 && y < rows) << "written off the screen";
+    cells[static_cast<std::size_t>(y * columns + x)] = {ch, foreground, background};
+    if (x + 1 < columns) x++;
+  }
+
+  void control(const std::string& parameters, char final, const std::string& whole) {
+    if (final == 'H') {
+      y = std::stoi(parameters.substr(0, parameters.find(';'))) - 1;
+      x = std::stoi(parameters.substr(parameters.find(';') + 1)) - 1;
+    } else if (final == 'C') {
+      x += std::stoi(parameters);
+    } else if (final == 'm') {
+      color(parameters, whole);
+    } else if (final == 'J' || final == 'K') {
+      const int first = final == 'J' ? 0 : y * columns;
+      const int last = final == 'J' ? columns * rows : (y + 1) * columns;
+      for (int i = first; i < last; i++) cells[static_cast<std::size_t>(i)] = {' ', "", background};
+    }
+  }
+
+  void color(const std::string& parameters, const std::string& whole) {
+    if (parameters == "0") {
+      foreground.clear();
+      background.clear();
+      return;
+    }
+    const int code = std::stoi(parameters.substr(0, parameters.find(';')));
+    const bool is_background = code == 48 || (code >= 40 && code <= 47) || code >= 100;
+    (is_background ? background : foreground) = whole;
+  }
+
+  int columns;
+  int rows;
+  std::vector<Cell> cells;
+  int x = 0;
+  int y = 0;
+  std::string foreground;
+  std::string background;
+};
+
+std::string sequenceOf(const TerminalScreen& screen, vt::Color color, bool foreground) {
+  unsigned char r = 0;
+  unsigned char g = 0;
+  unsigned char b = 0;
+  vt::colorToRGB(color, r, g, b);
+  return screen.colorSequence(r, g, b, foreground);
+}
+
+// Every cell of the frame shows in the terminal: its character, in its
+// colour, on the frame's background.
+void expectShows(const VirtualTerminal& terminal, const TerminalScreen& screen,
+                 const vt::CellFrame& frame, int columns, int rows) {
+  for (int row = 0; row < rows; row++) {
+    for (int column = 0; column < columns; column++) {
+      const vt::CellFrame::Cell cell = frame.at(column, row);
+      const VirtualTerminal::Cell& shown = terminal.at(column, row);
+      const char expected = cell.drawn ? cell.ch : ' ';
+      ASSERT_EQ(shown.ch, expected) << "column " << column << ", row " << row;
+      ASSERT_EQ(shown.background, sequenceOf(screen, frame.getBackground(), false));
+      if (expected == ' ') continue;
+      ASSERT_EQ(shown.foreground, screen.colorSequence(cell.r, cell.g, cell.b, true))
+          << "column " << column << ", row " << row;
+    }
+  }
+}
+
+void scatter(vt::CellFrame& frame, std::mt19937& random, int count) {
+  const char* const chars = "#@*.o<>=-|ABZ ";
+  for (int i = 0; i < count; i++) {
+    const auto color = static_cast<vt::Color>(random() % 8);
+    unsigned char r = 0;
+    unsigned char g = 0;
+    unsigned char b = 0;
+    vt::colorToRGB(color, r, g, b);
+    frame.put(vt::Vector(static_cast<float>(random() % 40), static_cast<float>(random() % 12)),
+              chars[random() % 14], r, g, b);
+  }
+}
+
+TEST(TerminalScreen, ShowsEachFrameWritingOnlyTheCellsThatChanged) {
+  for (const auto mode :
+       {TerminalScreen::COLORS_16, TerminalScreen::COLORS_256, TerminalScreen::COLORS_24BIT}) {
+    SCOPED_TRACE(mode);
+    TerminalScreen screen;
+    screen.setColorMode(mode);
+    screen.setSize(40, 12);
+    VirtualTerminal terminal(40, 12);
+    std::mt19937 random(7);
+    vt::CellFrame frame;
+    frame.reset(40, 12, vt::BLUE);
+    scatter(frame, random, 300);
+    const std::string first = screen.render(frame);
+    EXPECT_EQ(first.rfind("\x1b[?2026h", 0), 0u) << "one synchronized update";
+    EXPECT_EQ(first.substr(first.size() - 8), "\x1b[?2026l");
+    terminal.apply(first);
+    expectShows(terminal, screen, frame, 40, 12);
+    EXPECT_EQ(screen.render(frame), "") << "nothing changed, nothing written";
+    for (int changes = 1; changes <= 20; changes += 19) {
+      vt::CellFrame next = frame;
+      scatter(next, random, changes);
+      const std::string update = screen.render(next);
+      terminal.apply(update);
+      expectShows(terminal, screen, next, 40, 12);
+      EXPECT_LE(update.size(), 16u + 30u * static_cast<std::size_t>(changes));
+      frame = next;
+    }
+  }
+}
+
+TEST(TerminalScreen, CropsALargerFrameToTheTopLeftAndSaysSoOnTheLastRow) {
+  TerminalScreen screen;
+  screen.setSize(30, 5);
+  VirtualTerminal terminal(30, 5);
+  vt::CellFrame frame;
+  frame.reset(50, 8, vt::BLACK);
+  for (int row = 0; row < 8; row++) {
+    for (int column = 0; column < 50; column++) {
+      frame.put(vt::Vector(static_cast<float>(column), static_cast<float>(row)),
+                static_cast<char>('a' + (column + row) % 26), 255, 0, 0);
+    }
+  }
+  terminal.apply(screen.render(frame));
+  expectShows(terminal, screen, frame, 30, 4);
+  EXPECT_EQ(terminal.rowText(4), "The terminal is 30x5, the game");
+  // A larger terminal shows the whole frame, and nothing of the notice.
+  screen.setSize(60, 10);
+  VirtualTerminal larger(60, 10);
+  larger.apply(screen.render(frame));
+  expectShows(larger, screen, frame, 50, 8);
+  EXPECT_EQ(larger.rowText(9), std::string(60, ' '));
+}
+
+TEST(TerminalScreen, ChoosesColoursByWhatTheTerminalSaysAndMapsTheNamedOnes) {
+  EXPECT_EQ(TerminalScreen::colorModeFor("truecolor", "xterm"), TerminalScreen::COLORS_24BIT);
+  EXPECT_EQ(TerminalScreen::colorModeFor("24bit", nullptr), TerminalScreen::COLORS_24BIT);
+  EXPECT_EQ(TerminalScreen::colorModeFor(nullptr, "tmux-256color"), TerminalScreen::COLORS_256);
+  EXPECT_EQ(TerminalScreen::colorModeFor("", "xterm"), TerminalScreen::COLORS_16);
+  EXPECT_EQ(TerminalScreen::colorModeFor(nullptr, nullptr), TerminalScreen::COLORS_16);
+  const struct {
+    vt::Color color;
+    const char* sixteen;
+    const char* two_fifty_six;
+  } NAMED[] = {{vt::BLACK, "30", "16"},   {vt::RED, "91", "196"},  {vt::GREEN, "92", "46"},
+               {vt::YELLOW, "93", "226"}, {vt::BLUE, "34", "21"},  {vt::MAGENTA, "95", "201"},
+               {vt::CYAN, "96", "51"},    {vt::WHITE, "97", "231"}};
+  TerminalScreen screen;
+  for (const auto& named : NAMED) {
+    screen.setColorMode(TerminalScreen::COLORS_16);
+    EXPECT_EQ(sequenceOf(screen, named.color, true), std::string("\x1b[") + named.sixteen + "m");
+    screen.setColorMode(TerminalScreen::COLORS_256);
+    EXPECT_EQ(sequenceOf(screen, named.color, false),
+              std::string("\x1b[48;5;") + named.two_fifty_six + "m");
+  }
+  screen.setColorMode(TerminalScreen::COLORS_256);
+  EXPECT_EQ(screen.colorSequence(128, 128, 128, true), "\x1b[38;5;244m") << "greys on the ramp";
+  screen.setColorMode(TerminalScreen::COLORS_24BIT);
+  EXPECT_EQ(screen.colorSequence(1, 2, 3, true), "\x1b[38;2;1;2;3m");
+}
+
+}  // namespace
