@@ -1,0 +1,67 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "support/HeadlessEngine.h"
+#include "support/TmuxSession.h"
+
+namespace {
+
+// The modes a game takes over, as tmux reports them: alternate screen,
+// cursor shown, mouse reporting (any kind, SGR form), wrapping.
+const char* const MODES =
+    "#{alternate_on}#{cursor_flag}#{mouse_any_flag}#{mouse_sgr_flag}#{wrap_flag}";
+const char* const MODES_OF_A_SHELL = "01001";
+const char* const MODES_OF_A_GAME = "10110";
+
+struct WayOut {
+  const char* name;
+  // How the probe game ends by itself: "end", "throw", or "wait" for the test.
+  const char* ending;
+  // Keys typed, or a signal sent, to end it.
+  const char* keys;
+  const char* signal;
+  int status;
+};
+
+const WayOut WAYS_OUT[] = {
+    {"the game's own end", "end", "", "", 0},
+    {"Q", "wait", "q", "", 0},
+    {"Ctrl-C", "wait", "C-c", "", 0},
+    {"SIGINT", "wait", "", "INT", 0},
+    {"SIGTERM", "wait", "", "TERM", 0},
+    {"SIGHUP", "wait", "", "HUP", 0},
+    {"a crash signal", "wait", "", "SEGV", 128 + 11},
+    {"an uncaught exception", "throw", "", "", 128 + 6},
+};
+
+TEST(TerminalWaysOut, EveryWayOutGivesTheTerminalItsModesBack) {
+  for (const WayOut& way : WAYS_OUT) {
+    SCOPED_TRACE(way.name);
+    const std::string folder = test::makeTempDir();
+    test::TmuxSession session("cd " + folder + " && stty -g > before; VANTOR_DISPLAY=terminal " VANTOR_TERMINAL_PROBE " " +
+                                  way.ending + " pid; status=$?; stty -g > after; (exit $status)",
+                              80, 24);
+    ASSERT_TRUE(session.isRunning());
+    ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.shows("probe step"); }, 30))
+        << test::readFile(folder + "/vantor.log");
+    EXPECT_EQ(session.paneFormat(MODES), MODES_OF_A_GAME);
+    if (*way.keys != '\0') {
+      EXPECT_TRUE(session.sendKeys(way.keys));
+    }
+    if (*way.signal != '\0') {
+      const std::string kill =
+          "kill -" + std::string(way.signal) + " " + test::readFile(folder + "/pid");
+      EXPECT_EQ(std::system(kill.c_str()), 0);
+    }
+    ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.exitStatus() >= 0; }, 30));
+    EXPECT_EQ(session.exitStatus(), way.status);
+    EXPECT_EQ(session.paneFormat(MODES), MODES_OF_A_SHELL);
+    EXPECT_EQ(test::readFile(folder + "/after"), test::readFile(folder + "/before"))
+        << "the line discipline's settings";
+    std::filesystem::remove_all(folder);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace test {
+
+// A program run in a terminal of its own: a detached tmux session of a given
+// size. Keys are typed with send-keys; the screen is read with capture-pane.
+class TmuxSession {
+ public:
+  // Starts the shell command in a session named after this process. The
+  // command's exit status is written to statusFile(); the pane stays open
+  // after it ends, so its modes can still be read.
+  TmuxSession(const std::string& command, int columns, int rows);
+  ~TmuxSession();
+  TmuxSession(const TmuxSession&) = delete;
+  TmuxSession& operator=(const TmuxSession&) = delete;
+
+  // False when tmux could not start the session.
+  bool isRunning() const { return running; }
+  // tmux send-keys with the words given (key names or, literal, bytes).
+  bool sendKeys(const std::string& keys, bool literal = false) const;
+  // The screen's characters, one string a row.
+  std::vector<std::string> screenText() const;
+  // The screen with the colour codes tmux would send (capture-pane -e).
+  std::string screenWithColours() const;
+  // A tmux format of the pane, such as "#{alternate_on}".
+  std::string paneFormat(const std::string& format) const;
+  // The command's exit status once it ended, else -1.
+  int exitStatus() const;
+  // Asks again every 50 ms until the condition holds or the seconds are
+  // up; true when it held.
+  static bool waitFor(const std::function<bool()>& condition, double seconds);
+  // The screen's text contains the words.
+  bool shows(const std::string& words) const;
+
+ private:
+  std::string run(const std::string& tmux_arguments) const;
+
+  std::string name;
+  std::string folder;
+  bool running = false;
+};
+
+}  // namespace test
