@@ -27,3 +27,33 @@ for file in starter vt-font.ttf vt-config.txt sprites/player.txt sprites/coin.tx
 done
 cd "$work/build"
 ctest --output-on-failure
+
+# The starter played in a terminal: it shows its player, a held D (sent
+# again and again, as a terminal repeats a held key) moves it, Q ends the
+# game, and the terminal has its modes back.
+session="starter-$$"
+tmux_() { tmux -L vantor-tests "$@"; }
+trap 'tmux_ kill-session -t "$session" 2>/dev/null; rm -rf "$work"' EXIT
+tmux_ new-session -d -s "$session" -x 80 -y 24 \
+  "sh -c 'VANTOR_DISPLAY=terminal ./starter; echo \$? > status; sleep 600'"
+player_column() {
+  tmux_ capture-pane -p -t "$session" | grep -o '^.*<[oO]>' | head -1 | awk '{ print length($0) - 3 }'
+}
+wait_for() {
+  for _ in $(seq 200); do
+    if eval "$1"; then return 0; fi
+    sleep 0.05
+  done
+  echo "starter in a terminal: waited in vain for: $2" >&2
+  tmux_ capture-pane -p -t "$session" >&2
+  exit 1
+}
+wait_for '[ -n "$(player_column)" ]' "the player on the screen"
+start=$(player_column)
+for _ in $(seq 20); do tmux_ send-keys -t "$session" d; sleep 0.03; done
+wait_for '[ "$(player_column)" -gt "$start" ]' "the player moving right from column $start"
+tmux_ send-keys -t "$session" q
+wait_for '[ -s status ]' "the game ending at Q"
+[ "$(cat status)" = 0 ] || { echo "the starter ended with status $(cat status)" >&2; exit 1; }
+modes=$(tmux_ display-message -p -t "$session" '#{alternate_on}#{cursor_flag}#{mouse_any_flag}')
+[ "$modes" = "010" ] || { echo "the terminal's modes after the starter: $modes" >&2; exit 1; }
