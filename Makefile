@@ -16,8 +16,8 @@ build: deps
 	@cmake --build $(BUILD) -j $(JOBS)
 
 run: build
-	@if [ -z "$$DISPLAY" ]; then \
-	  echo "No display is set: run it as 'xvfb-run -a make run' or set DISPLAY to an X server."; \
+	@if [ -z "$$DISPLAY" ] && [ "$$VANTOR_DISPLAY" != terminal ]; then \
+	  echo "No display is set: run it as 'xvfb-run -a make run', set DISPLAY to an X server, or play in the terminal with 'VANTOR_DISPLAY=terminal make run'."; \
 	fi
 	@cd $(BUILD)/game && ./shooter
 
