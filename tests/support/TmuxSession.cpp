@@ -53,6 +53,12 @@ bool TmuxSession::sendKeys(const std::string& keys, bool literal) const {
   return std::system(command.c_str()) == 0;
 }
 
+bool TmuxSession::resize(int columns, int rows) const {
+  return std::system(("tmux -L vantor-tests resize-window -t " + name + " -x " +
+                      std::to_string(columns) + " -y " + std::to_string(rows))
+                         .c_str()) == 0;
+}
+
 std::vector<std::string> TmuxSession::screenText() const {
   std::vector<std::string> rows;
   std::istringstream text(run("capture-pane -p -t " + name));

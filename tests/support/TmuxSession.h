@@ -26,6 +26,8 @@ class TmuxSession {
   std::vector<std::string> screenText() const;
   // The screen with the colour codes tmux would send (capture-pane -e).
   std::string screenWithColours() const;
+  // Resizes the terminal, as a player dragging its window would.
+  bool resize(int columns, int rows) const;
   // A tmux format of the pane, such as "#{alternate_on}".
   std::string paneFormat(const std::string& format) const;
   // The command's exit status once it ended, else -1.

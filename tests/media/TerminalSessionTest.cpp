@@ -36,13 +36,15 @@ const WayOut WAYS_OUT[] = {
     {"an uncaught exception", "throw", "", "", 128 + 6},
 };
 
-TEST(TerminalWaysOut, EveryWayOutGivesTheTerminalItsModesBack) {
+TEST(TerminalSession, EveryWayOutGivesTheTerminalItsModesBack) {
   for (const WayOut& way : WAYS_OUT) {
     SCOPED_TRACE(way.name);
     const std::string folder = test::makeTempDir();
-    test::TmuxSession session("cd " + folder + " && stty -g > before; VANTOR_DISPLAY=terminal " VANTOR_TERMINAL_PROBE " " +
-                                  way.ending + " pid; status=$?; stty -g > after; (exit $status)",
-                              80, 24);
+    test::TmuxSession session(
+        "cd " + folder +
+            " && stty -g > before; VANTOR_DISPLAY=terminal " VANTOR_TERMINAL_PROBE " " +
+            way.ending + " pid; status=$?; stty -g > after; (exit $status)",
+        80, 24);
     ASSERT_TRUE(session.isRunning());
     ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.shows("probe step"); }, 30))
         << test::readFile(folder + "/vantor.log");
@@ -62,6 +64,30 @@ TEST(TerminalWaysOut, EveryWayOutGivesTheTerminalItsModesBack) {
         << "the line discipline's settings";
     std::filesystem::remove_all(folder);
   }
+}
+
+}  // namespace
+
+namespace {
+
+// The probe's 80x24 in a terminal resized under it: cropped with a notice,
+// then whole again, each time drawn afresh.
+TEST(TerminalSession, AResizedTerminalShowsTheGameAfreshCroppedOrWhole) {
+  const std::string folder = test::makeTempDir();
+  test::TmuxSession session(
+      "cd " + folder + " && VANTOR_DISPLAY=terminal " VANTOR_TERMINAL_PROBE " wait pid", 100, 30);
+  ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.shows("probe step"); }, 30));
+  ASSERT_TRUE(session.resize(40, 10));
+  EXPECT_TRUE(test::TmuxSession::waitFor(
+      [&] { return session.shows("The terminal is 40x10, the game 80x24: s"); }, 10));
+  EXPECT_TRUE(session.shows("probe step"));
+  ASSERT_TRUE(session.resize(90, 26));
+  EXPECT_TRUE(test::TmuxSession::waitFor([&] { return !session.shows("The terminal is"); }, 10));
+  EXPECT_TRUE(session.shows("probe step"));
+  EXPECT_EQ(session.screenText().size(), 26u);
+  session.sendKeys("q");
+  EXPECT_TRUE(test::TmuxSession::waitFor([&] { return session.exitStatus() == 0; }, 30));
+  std::filesystem::remove_all(folder);
 }
 
 }  // namespace
