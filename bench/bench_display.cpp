@@ -1,11 +1,13 @@
-// Cost of a full 80x24 screen of characters, drawn and shown once per
-// iteration in a window on a private Xvfb, and the memory the loop holds.
+// Cost of a full screen of characters (80x24 and 240x67), drawn and shown
+// once per iteration in a window on a private Xvfb, with every cell or one
+// cell in ten changing, and the memory the loop holds.
 #include <benchmark/benchmark.h>
 
 #include <ctime>
 #include <fstream>
 #include <string>
 
+#include "core/Config.h"
 #include "media/DisplayManager.h"
 #include "support/TestSupport.h"
 
@@ -30,27 +32,25 @@ double processCpuMilliseconds() {
   return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
 }
 
-// Every stride-th cell, its character and colour changing from frame to
-// frame; the number of cells drawn.
-int drawScreen(vt::DisplayManager& display_manager, int frame, int stride) {
+// Every cell of the screen drawn; every stride-th one changes its character
+// and colour from frame to frame, the others stay as they were.
+void drawScreen(vt::DisplayManager& display_manager, int frame, int stride) {
   const int cells = display_manager.getHorizontal() * display_manager.getVertical();
-  int drawn = 0;
-  for (int cell = 0; cell < cells; cell += stride) {
-    const int seed = cell + frame;
+  for (int cell = 0; cell < cells; cell++) {
+    const int seed = cell % stride == 0 ? cell + frame : cell;
     const char ch = static_cast<char>('!' + seed % 94);
     const auto color = static_cast<vt::Color>(vt::RED + seed % 7);
     const int x = cell % display_manager.getHorizontal();
     const int y = cell / display_manager.getHorizontal();
     display_manager.drawCh(vt::Vector(static_cast<float>(x), static_cast<float>(y)), ch, color);
-    drawn++;
   }
-  return drawn;
 }
 
 // Starts the display in a window on the process's X server; false, with the
 // benchmark marked skipped, when either does not start.
 bool startDisplay(benchmark::State& state, vt::DisplayManager& display_manager) {
-  if (!vt::test::startProcessXvfb()) {
+  // Room for the largest window measured.
+  if (!vt::test::startProcessXvfb("1920x1200x24")) {
     state.SkipWithError("Xvfb did not start");
     return false;
   }
@@ -61,31 +61,37 @@ bool startDisplay(benchmark::State& state, vt::DisplayManager& display_manager) 
   return true;
 }
 
-// One frame per iteration: the screen's cells (every one, or every tenth as
-// in a sparse game scene) drawn, then the buffers swapped.
+// One frame per iteration: a grid of cells in a window of pixels, every
+// cell drawn, every one or one in ten of them changing, then the buffers
+// swapped.
 void BM_ScreenFrame(benchmark::State& state) {
   vt::test::TestConfig config(false);
+  vt::Config& settings = vt::Config::getInstance();
+  settings.setWindowHorizontalChars(static_cast<int>(state.range(0)));
+  settings.setWindowVerticalChars(static_cast<int>(state.range(1)));
+  settings.setWindowHorizontalPixels(static_cast<int>(state.range(2)));
+  settings.setWindowVerticalPixels(static_cast<int>(state.range(3)));
   vt::DisplayManager& display_manager = vt::DisplayManager::getInstance();
   if (!startDisplay(state, display_manager)) return;
-  const int stride = static_cast<int>(state.range(0));
+  const int stride = static_cast<int>(state.range(4));
   int frame = 0;
-  int cells = 0;
   const double cpu_start = processCpuMilliseconds();
   for (auto _ : state) {
-    cells = drawScreen(display_manager, frame++, stride);
+    drawScreen(display_manager, frame++, stride);
     display_manager.swapBuffers();
   }
   state.counters["process_cpu_ms"] =
       benchmark::Counter((processCpuMilliseconds() - cpu_start) / frame);
-  state.counters["cells"] = cells;
   state.counters["VmRSS_MB"] = statusMegabytes("VmRSS");
   state.counters["VmHWM_MB"] = statusMegabytes("VmHWM");
   display_manager.shutDown();
 }
 BENCHMARK(BM_ScreenFrame)
-    ->ArgName("stride")
-    ->Arg(1)
-    ->Arg(10)
+    ->ArgNames({"columns", "rows", "width", "height", "changing_stride"})
+    ->Args({80, 24, 1024, 768, 1})
+    ->Args({80, 24, 1024, 768, 10})
+    ->Args({240, 67, 1920, 1072, 1})
+    ->Args({240, 67, 1920, 1072, 10})
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime()
     ->MinTime(3.0);

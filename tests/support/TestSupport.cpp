@@ -29,7 +29,7 @@ bool opens_windows = false;
 // The X server of this process, stopped at exit.
 class XvfbServer {
  public:
-  XvfbServer() {
+  explicit XvfbServer(const char* screen) {
     int fds[2];
     if (pipe(fds) != 0) return;
     const std::string fd_text = std::to_string(fds[1]);
@@ -40,7 +40,7 @@ class XvfbServer {
       dup2(null_fd, STDOUT_FILENO);
       dup2(null_fd, STDERR_FILENO);
       prctl(PR_SET_PDEATHSIG, SIGTERM);
-      execlp("Xvfb", "Xvfb", "-displayfd", fd_text.c_str(), "-screen", "0", "1280x1024x24",
+      execlp("Xvfb", "Xvfb", "-displayfd", fd_text.c_str(), "-screen", "0", screen,
              "-nolisten", "tcp", "-noreset", nullptr);
       _exit(127);
     }
@@ -94,9 +94,9 @@ extern "C" int __lsan_is_turned_off() {
 
 namespace vt::test {
 
-bool startProcessXvfb() {
+bool startProcessXvfb(const char* screen) {
   opens_windows = true;
-  static const XvfbServer server;
+  static const XvfbServer server(screen);
   static const bool driver_kept = server.running && keepGraphicsDriverLoaded();
   (void)driver_kept;
   return server.running;

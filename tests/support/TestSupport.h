@@ -5,9 +5,10 @@
 
 namespace vt::test {
 
-// Starts this process's own X server (1280x1024) on first use and points
-// DISPLAY at it; false when it could not start. Call before any SFML window.
-bool startProcessXvfb();
+// Starts this process's own X server, of the screen given (WxHxDEPTH), on
+// first use and points DISPLAY at it; false when it could not start. Call
+// before any SFML window; the first call chooses the screen.
+bool startProcessXvfb(const char* screen = "1280x1024x24");
 
 // The test font, the headless flag and a flushed log in a temporary folder;
 // the destructor stops the log and puts every setting back.
