@@ -1,7 +1,14 @@
 #include "core/Config.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <utility>
+#include <vector>
 
 #include "core/LogManager.h"
 #include "core/Match.h"
@@ -13,14 +20,151 @@ namespace {
 
 const char* const DEFAULT_CONFIG_FILE = "vt-config.txt";
 
+// A line of a configuration text as written, and its number there.
+struct NumberedLine {
+  int number;
+  std::string text;
+};
+
+// What loadConfig learns while it reads a text: where each key first
+// appears, which keys the settings asked for, and what it could not read,
+// each problem with the number of its line.
+struct Reading {
+  std::string source;
+  std::map<std::string, NumberedLine> first_lines;
+  std::set<std::string> asked;
+  std::vector<std::pair<int, std::string>> problems;
+};
+
+Reading& reading() {
+  static Reading current;
+  return current;
+}
+
+std::string configFileName() {
+  const char* p_override = std::getenv("VANTOR_CONFIG");
+  return p_override ? p_override : DEFAULT_CONFIG_FILE;
+}
+
+std::string withoutWhiteSpace(const std::string& text) {
+  std::string compact;
+  for (const char c : text) {
+    if (!std::isspace(static_cast<unsigned char>(c))) compact.push_back(c);
+  }
+  return compact;
+}
+
+// The lines that hold entries: neither blank nor comments.
+std::vector<NumberedLine> entryLines(const std::string& text) {
+  std::vector<NumberedLine> lines;
+  std::istringstream stream(text);
+  std::string line;
+  for (int number = 1; std::getline(stream, line); number++) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (withoutWhiteSpace(line).empty() || line[0] == '#') continue;
+    lines.push_back({number, line});
+  }
+  return lines;
+}
+
+std::string joinLines(const std::vector<NumberedLine>& lines) {
+  std::string joined;
+  for (const NumberedLine& line : lines) joined += line.text;
+  return joined;
+}
+
+void noteProblem(const NumberedLine& line, const std::string& what) {
+  Reading& current = reading();
+  current.problems.emplace_back(line.number, current.source + " line " + toString(line.number) +
+                                                 " ('" + line.text + "'): " + what);
+}
+
+// A value the setting of the key cannot take, named with the key's line.
+void noteBadValue(const std::string& key, const std::string& what) {
+  const auto found = reading().first_lines.find(key);
+  const NumberedLine line =
+      found == reading().first_lines.end() ? NumberedLine{0, key} : found->second;
+  noteProblem(line, "the value of " + key + " is " + what);
+}
+
+// Notes the keys of one line's entries, and a line whose pieces are not
+// all "key:value".
+void scanEntries(const NumberedLine& line, const std::string& entries_text) {
+  const auto entries = matchEntries(entries_text);
+  bool well_formed = !entries.empty();
+  for (const auto& entry : entries) {
+    if (entry.second.empty()) {
+      well_formed = false;
+    } else {
+      reading().first_lines.emplace(entry.first, line);
+    }
+  }
+  if (!well_formed) noteProblem(line, "not a 'key:value,' entry");
+}
+
+// Scans the lines as match reads them joined: a line without its closing
+// comma runs on into the next one.
+void scanLines(const std::vector<NumberedLine>& lines) {
+  std::size_t next = 0;
+  while (next < lines.size()) {
+    const NumberedLine& first = lines[next];
+    std::string entries_text = withoutWhiteSpace(first.text);
+    next++;
+    if (entries_text.back() != ',' && next < lines.size()) {
+      noteProblem(first, "no comma at its end, so the next line is read into its value");
+    }
+    while (entries_text.back() != ',' && next < lines.size()) {
+      entries_text += withoutWhiteSpace(lines[next++].text);
+    }
+    scanEntries(first, entries_text);
+  }
+}
+
+// "Unsupported window color 'yellow'"; before the log runs, the problem
+// noted with it says it instead.
+void warnUnsupported(const char* setting, const std::string& value) {
+  const LogManager& log_manager = LogManager::getInstance();
+  if (log_manager.isStarted()) {
+    log_manager.writeLog("loadConfig(): Unsupported %s '%s'", setting, value.c_str());
+  }
+}
+
+void noteUnknownKeys() {
+  for (const auto& entry : reading().first_lines) {
+    if (reading().asked.count(entry.first) == 0) {
+      noteProblem(entry.second, "unknown key '" + entry.first + "'");
+    }
+  }
+}
+
 // The value of a key in the text that loadConfig parsed last.
 std::string parsedValue(const char* key) {
+  reading().asked.insert(key);
   return match("", key);
 }
 
+// The key's value in value; false when there is none, or none that reads
+// as the kind, which is then noted. A number beyond the kind's range is
+// noted and clamped.
+bool readableValue(const char* key, ValueKind kind, std::string& value) {
+  value = parsedValue(key);
+  if (value.empty()) return false;
+  const ReadFault fault = readFault(value, kind);
+  if (fault == ReadFault::NONE) return true;
+  noteBadValue(key, std::string(describeReadFault(fault, kind)) +
+                        (fault == ReadFault::CLAMPED ? ", so it is clamped to that range"
+                                                     : ", so it keeps its default"));
+  return fault == ReadFault::CLAMPED;
+}
+
 void storeInt(const char* key, int& field) {
-  const std::string value = parsedValue(key);
-  if (!value.empty()) field = readInt(value);
+  std::string value;
+  if (readableValue(key, ValueKind::INT, value)) field = readInt(value);
+}
+
+void storeFloat(const char* key, float& field) {
+  std::string value;
+  if (readableValue(key, ValueKind::FLOAT, value)) field = readFloat(value);
 }
 
 void storeString(const char* key, std::string& field) {
@@ -29,8 +173,8 @@ void storeString(const char* key, std::string& field) {
 }
 
 void storeBool(const char* key, bool& field) {
-  const std::string value = parsedValue(key);
-  if (!value.empty()) field = readBool(value);
+  std::string value;
+  if (readableValue(key, ValueKind::FLAG, value)) field = readBool(value);
 }
 
 const char* boolText(bool value) {
@@ -45,22 +189,20 @@ Config& Config::getInstance() {
 }
 
 std::string Config::readConfig() const {
-  const char* p_override = std::getenv("VANTOR_CONFIG");
-  std::ifstream file(p_override ? p_override : DEFAULT_CONFIG_FILE);
+  return joinLines(entryLines(readConfigFile()));
+}
+
+std::string Config::readConfigFile() const {
+  std::ifstream file(configFileName());
   if (!file.is_open()) {
     LogManager::getInstance().writeLog(
         1, "Config::readConfig(): Cannot open Vantor configuration file '%s'.",
         DEFAULT_CONFIG_FILE);
     return "";
   }
-  std::string joined;
-  std::string line;
-  while (std::getline(file, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.empty() || line[0] == '#') continue;
-    joined += line;
-  }
-  return joined;
+  std::stringstream content;
+  content << file.rdbuf();
+  return content.str();
 }
 
 std::string Config::match(std::string key) const {
@@ -70,14 +212,33 @@ std::string Config::match(std::string key) const {
 }
 
 int Config::loadConfig(std::string text) {
-  if (text.empty()) text = readConfig();
-  config = text;
+  const bool from_file = text.empty();
+  const std::vector<NumberedLine> lines = entryLines(from_file ? readConfigFile() : text);
+  config = from_file ? joinLines(lines) : text;
+  problems.clear();
   // An empty text would make the lookups below search the matcher's last text.
   if (config.empty()) return 0;
+  reading() = Reading{from_file ? configFileName() : "configuration text", {}, {}, {}};
+  scanLines(lines);
   vt::match(config, "");
+  storeSettings();
+  noteUnknownKeys();
+  std::stable_sort(reading().problems.begin(), reading().problems.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  for (const auto& problem : reading().problems) problems.push_back(problem.second);
+  if (LogManager::getInstance().isStarted()) logProblems();
+  return 0;
+}
+
+void Config::logProblems() const {
+  for (const std::string& problem : problems) {
+    LogManager::getInstance().writeLog(0, "Config::loadConfig(): Warning! %s", problem.c_str());
+  }
+}
+
+void Config::storeSettings() {
   storeInt("frame_time", frame_time);
-  const std::string scale = parsedValue("font_scale");
-  if (!scale.empty()) font_scale = readFloat(scale);
+  storeFloat("font_scale", font_scale);
   storeInt("window_horizontal_pixels", window_horizontal_pixels);
   storeInt("window_vertical_pixels", window_vertical_pixels);
   storeInt("window_horizontal_chars", window_horizontal_chars);
@@ -97,7 +258,8 @@ int Config::loadConfig(std::string text) {
   storeInt("grid_height", grid_height);
   storeInt("quadtree_depth", quadtree_depth);
   storeInt("quadtree_threshold", quadtree_threshold);
-  return 0;
+  std::string level;
+  if (readableValue("log_level", ValueKind::INT, level)) log_level = readInt(level);
 }
 
 void Config::readBackgroundColor(const std::string& value) {
@@ -115,7 +277,10 @@ void Config::readBackgroundColor(const std::string& value) {
       return;
     }
   }
-  LogManager::getInstance().writeLog("loadConfig(): Unsupported window color '%s'", value.c_str());
+  warnUnsupported("window color", value);
+  noteBadValue("window_background_color",
+               "not a colour the window can have (black, red, green, blue, magenta, cyan or "
+               "white), so it keeps its default");
 }
 
 void Config::readWindowStyle(const std::string& value) {
@@ -125,8 +290,8 @@ void Config::readWindowStyle(const std::string& value) {
   } else if (value == "default") {
     window_style = WINDOW_STYLE_DEFAULT;
   } else {
-    LogManager::getInstance().writeLog("loadConfig(): Unsupported window style '%s'",
-                                       value.c_str());
+    warnUnsupported("window style", value);
+    noteBadValue("window_style", "neither default nor fullscreen, so it keeps its default");
   }
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "core/Color.h"
 
@@ -14,6 +16,8 @@ const int WINDOW_STYLE_FULLSCREEN = 8;
 // from the configuration file ("vt-config.txt", or the file named by the
 // VANTOR_CONFIG environment variable). Every line of the file is one
 // "key:value," entry; white space is ignored and "#" starts a comment line.
+// A line of another form, an unknown key and a value its setting cannot
+// take are each named, with the line, among the problems of the load.
 class Config {
  public:
   static Config& getInstance();
@@ -30,6 +34,13 @@ class Config {
   std::string match(std::string key) const;
   // Writes the configuration block to the log.
   void printConfig() const;
+  // What the last load could not read, one line each: the file, the line's
+  // number, the line and what is wrong with it. A load logs them itself
+  // when the log is running; at start-up the game manager does, once the
+  // log has started.
+  const std::vector<std::string>& getProblems() const { return problems; }
+  // Writes the problems to the log at level 0.
+  void logProblems() const;
 
   std::string getConfig() const { return config; }
   int getWindowHorizontalPixels() const { return window_horizontal_pixels; }
@@ -75,11 +86,19 @@ class Config {
   void setGridWidth(int value) { grid_width = value; }
   int getGridHeight() const { return grid_height; }
   void setGridHeight(int value) { grid_height = value; }
+  // The log level the file asks for ("log_level:N,"); none when it asks
+  // for none. The environment's VANTOR_LOG_LEVEL wins over it.
+  std::optional<int> getLogLevel() const { return log_level; }
+  void setLogLevel(int value) { log_level = value; }
 
  private:
   Config() = default;
   Config& operator=(const Config&) = default;
 
+  // The file's text, "" when it cannot be read.
+  std::string readConfigFile() const;
+  // Fills the fields from the text loadConfig parsed.
+  void storeSettings();
   void readBackgroundColor(const std::string& value);
   void readWindowStyle(const std::string& value);
 
@@ -105,6 +124,8 @@ class Config {
   int quadtree_depth = 10;
   int grid_width = 20;
   int grid_height = 8;
+  std::optional<int> log_level;
+  std::vector<std::string> problems;
 };
 
 }  // namespace vt

@@ -48,19 +48,60 @@ void sleepMilliseconds(std::int64_t milliseconds) {
   }
 }
 
+std::string workingFolder() {
+  char directory[4096];
+  return getcwd(directory, sizeof(directory)) ? directory : "(full path too long)";
+}
+
 // The log file's full name, for a reader in another directory.
 std::string logFilePath() {
   const std::string name = LogManager::getInstance().getLogFileName();
   if (!name.empty() && name[0] == '/') return name;
-  char directory[4096];
-  return getcwd(directory, sizeof(directory)) ? std::string(directory) + "/" + name : name;
+  return workingFolder() + "/" + name;
+}
+
+// The files a game reads from the working folder at start-up that are not
+// there, "" when none is missing: a game started from another folder than
+// its own lacks them all.
+std::string missingGameFiles() {
+  std::string missing;
+  const Config& config = Config::getInstance();
+  const bool needs_font = !config.getHeadless() && !DisplayManager::getInstance().isTerminal();
+  const std::string font = config.getFontFile();
+  if (needs_font && access(font.c_str(), R_OK) != 0) missing += "the font file " + font;
+  if (std::getenv("VANTOR_CONFIG") == nullptr && access("vt-config.txt", R_OK) != 0) {
+    missing += std::string(missing.empty() ? "" : ", ") + "vt-config.txt";
+  }
+  return missing;
 }
 
 // One line on standard error, so that a failed start is seen without
-// opening the log.
+// opening the log, and one more naming the game's files missing from the
+// working folder.
 void reportStartFailure(const char* what, const std::string& reason) {
-  std::fprintf(stderr, "vantor: cannot start the %s%s%s; see %s\n", what,
-               reason.empty() ? "" : ": ", reason.c_str(), logFilePath().c_str());
+  std::string sentence = std::string("cannot start the ") + what;
+  if (!reason.empty()) sentence += ": " + reason;
+  if (sentence.back() != '.') sentence += '.';
+  std::fprintf(stderr, "vantor: %s See %s\n", sentence.c_str(), logFilePath().c_str());
+  const std::string missing = missingGameFiles();
+  if (missing.empty()) return;
+  const std::string folder = workingFolder();
+  std::fprintf(stderr,
+               "vantor: missing from the working folder %s: %s; start the game from its own "
+               "folder\n",
+               folder.c_str(), missing.c_str());
+  LogManager::getInstance().writeLog(
+      0, "GameManager::startUp(): missing from the working folder %s: %s", folder.c_str(),
+      missing.c_str());
+}
+
+// Each problem of the configuration, in the log and on standard error.
+void reportConfigProblems() {
+  const Config& config = Config::getInstance();
+  config.logProblems();
+  for (const std::string& problem : config.getProblems()) {
+    std::fprintf(stderr, "vantor: %s\n", problem.c_str());
+  }
 }
 
 // Logs the start of one manager; false when it failed.
@@ -118,6 +159,7 @@ int GameManager::startUp() {
   log_manager.writeLog("** Vantor version %.2f **", static_cast<double>(VANTOR_VERSION));
   log_manager.writeLog("** Game engine started **");
   log_manager.writeLog("%s", STARS);
+  reportConfigProblems();
   config.printConfig();
   if (Recorder::getInstance().startFromEnvironment() != 0) {
     reportStartFailure("recorder", log_manager.getLastMessage());
@@ -125,9 +167,7 @@ int GameManager::startUp() {
     return -1;
   }
   log_manager.writeLog(1, "Working directory:");
-  char directory[256];
-  log_manager.writeLog(1, "  %s",
-                       getcwd(directory, sizeof(directory)) ? directory : "(full path too long)");
+  log_manager.writeLog(1, "  %s", workingFolder().c_str());
   log_manager.writeLog(1, "Log Manager started.");
   frame_time = config.getFrameTime();
   log_manager.writeLog(5, "GameManager::startUp(): frame time is %d", frame_time);
@@ -140,6 +180,7 @@ int GameManager::startUp() {
   }
   game_over = false;
   step_count = 0;
+  frame_restarted = false;
   Manager::startUp();
   log_manager.writeLog(1, "GameManager successfully started.");
   return 0;
@@ -235,11 +276,11 @@ void GameManager::run() {
 }
 
 void GameManager::step() {
-  const Clock clock;
+  Clock clock;
   iterate(clock, 0, false);
 }
 
-std::int64_t GameManager::iterate(const Clock& clock, std::int64_t adjust_time, bool paced) {
+std::int64_t GameManager::iterate(Clock& clock, std::int64_t adjust_time, bool paced) {
   const EventStep step_event(step_count);
   onEvent(&step_event);
   DisplayManager::getInstance().swapBuffers();
@@ -252,9 +293,16 @@ std::int64_t GameManager::iterate(const Clock& clock, std::int64_t adjust_time, 
   WorldManager& world_manager = WorldManager::getInstance();
   world_manager.update();
   world_manager.draw();
+  // A frame restarted by a wait on purpose is timed from its end.
+  if (frame_restarted) {
+    clock.delta();
+    adjust_time = 0;
+    frame_restarted = false;
+  }
   recorder.endStep(searchPaths(clock, adjust_time, paced));
   if (paced) adjust_time = sleepRestOfFrame(clock, adjust_time);
   step_count++;
+  LogManager::getInstance().flush();
   return adjust_time;
 }
 
@@ -287,7 +335,10 @@ std::int64_t GameManager::sleepRestOfFrame(const Clock& clock, std::int64_t adju
     const std::int64_t oversleep = after - before - intended;
     return oversleep < 0 ? 0 : oversleep;
   }
-  if (adjust_time == 0 && frame_time > 0 && step_count > 0) {
+  // Frames are timed to the millisecond: one that takes its frame time to
+  // the millisecond is on time, and a late one is over by a whole one.
+  const std::int64_t MICROSECONDS_PER_MS = 1000;
+  if (intended <= -MICROSECONDS_PER_MS && adjust_time == 0 && frame_time > 0 && step_count > 0) {
     LogManager::getInstance().writeLog(
         "GameManager::run(): Can't keep up! frame_time %d ms, split %d ms", frame_time,
         static_cast<int>(split / 1000));

@@ -30,6 +30,10 @@ class GameManager : public Manager {
   // sleeps. For tests and tools that drive the loop themselves; the
   // game-over flag is not consulted.
   void step();
+  // Times the frame under way from now on: a handler that waited on
+  // purpose (a pause waiting for a key) calls it when the wait ends, so
+  // that the wait is not reported as a late frame.
+  void restartFrame() { frame_restarted = true; }
 
   bool getGameOver() const { return game_over; }
   void setGameOver(bool new_game_over = true) { game_over = new_game_over; }
@@ -42,7 +46,7 @@ class GameManager : public Manager {
   // One iteration of the loop; paced, it fits the path searches into what
   // is left of the frame and sleeps away the rest. Returns the oversleep to
   // carry into the next iteration.
-  std::int64_t iterate(const class Clock& clock, std::int64_t adjust_time, bool paced);
+  std::int64_t iterate(class Clock& clock, std::int64_t adjust_time, bool paced);
   // Runs the path searches for this step; returns the turns they took.
   int searchPaths(const class Clock& clock, std::int64_t adjust_time, bool paced) const;
   int startManagers();
@@ -60,6 +64,7 @@ class GameManager : public Manager {
   int frame_time = 0;
   int step_count = 0;
   unsigned long previous_timer_slack = 0;
+  bool frame_restarted = false;
 };
 
 // Logs the signal, shuts the engine down and ends the process with the

@@ -1,6 +1,7 @@
 #include "core/LogManager.h"
 
 #include <cstdlib>
+#include <optional>
 
 #include "core/Config.h"
 #include "core/GameManager.h"
@@ -35,8 +36,29 @@ int LogManager::startUp() {
     return -1;
   }
   Manager::startUp();
+  applyLevelSetting();
   writeLog(5, "LogManager::startUp(): successfully started.");
   return 0;
+}
+
+void LogManager::applyLevelSetting() {
+  const char* p_level = std::getenv("VANTOR_LOG_LEVEL");
+  if (p_level != nullptr && readFault(p_level, ValueKind::INT) != ReadFault::NOT_READ) {
+    setLogLevel(readInt(p_level));
+    return;
+  }
+  if (p_level != nullptr) {
+    std::fprintf(stderr, "vantor: VANTOR_LOG_LEVEL '%s' is not a number; ignored\n", p_level);
+    writeLog(0, "LogManager::startUp(): Warning! VANTOR_LOG_LEVEL '%s' is not a number; ignored.",
+             p_level);
+  }
+  const std::optional<int> configured = Config::getInstance().getLogLevel();
+  if (configured) setLogLevel(*configured);
+}
+
+void LogManager::flush() const {
+  if (p_file != nullptr) std::fflush(p_file);
+  for (const auto& entry : extra_files) std::fflush(entry.second);
 }
 
 void LogManager::shutDown() {

@@ -12,7 +12,9 @@
 namespace vt {
 
 // Writes the engine's and the game's diagnostic lines to the log file, each
-// stamped with the time of day and the game loop's step count.
+// stamped with the time of day and the game loop's step count. The log
+// level comes from the game, the configuration's log_level or, before both,
+// the environment's VANTOR_LOG_LEVEL.
 class LogManager : public Manager {
  public:
   static LogManager& getInstance();
@@ -37,6 +39,10 @@ class LogManager : public Manager {
   // (warnings and errors), without its stamp.
   std::string getLastMessage() const { return last_message; }
 
+  // Writes every line still buffered to its file. The game loop calls it
+  // at the end of every step, so that a game killed at any moment leaves a
+  // log complete up to its last finished step.
+  void flush() const;
   void setFlush(bool new_do_flush = true) { do_flush = new_do_flush; }
   void setLogLevel(int new_log_level);
   int getLogLevel() const { return log_level; }
@@ -47,6 +53,9 @@ class LogManager : public Manager {
   LogManager();
 
   int writeLine(FILE* p_stream, int level, const char* format, va_list args) const;
+  // Takes the level from VANTOR_LOG_LEVEL, else from the configuration's
+  // log_level; without either the level stays as the game set it.
+  void applyLevelSetting();
   FILE* streamFor(const std::string& file_name);
 
   bool do_flush = false;

@@ -180,4 +180,17 @@ std::string matchKeepingBlanks(const std::string& text, const std::string& key) 
   return text.substr(begin, end - begin);
 }
 
+std::vector<std::pair<std::string, std::string>> matchEntries(const std::string& text) {
+  MatchEntries parsed;
+  parse(text, parsed);
+  std::vector<std::pair<std::string, std::string>> found;
+  std::string::size_type position = 0;
+  Entry entry;
+  Span piece;
+  while (nextEntry(parsed.compact, parsed.end, position, entry, piece)) {
+    found.emplace_back(pieceOf(parsed.compact, entry.key), pieceOf(parsed.compact, entry.value));
+  }
+  return found;
+}
+
 }  // namespace vt

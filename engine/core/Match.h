@@ -1,6 +1,8 @@
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace vt {
 
@@ -14,5 +16,10 @@ std::string match(std::string text, std::string key);
 // it kept ("x y" stays "x y"; blanks at its ends are dropped). The entries
 // kept for match are left as they were.
 std::string matchKeepingBlanks(const std::string& text, const std::string& key);
+
+// Every entry of the text as match finds them, in order, as key and value
+// ("" for a key without one). The entries kept for match are left as they
+// were.
+std::vector<std::pair<std::string, std::string>> matchEntries(const std::string& text);
 
 }  // namespace vt

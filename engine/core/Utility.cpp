@@ -9,6 +9,7 @@
 #include <ctime>
 #include <sstream>
 
+#include "core/LogManager.h"
 #include "world/Object.h"
 
 namespace vt {
@@ -118,6 +119,47 @@ float readFloat(const std::string& text) {
 
 bool readBool(const std::string& text) {
   return text == "true";
+}
+
+namespace {
+
+ReadFault numberFault(const std::string& text, ValueKind kind) {
+  const char* p_start = text.c_str();
+  char* p_end = nullptr;
+  if (kind == ValueKind::INT) {
+    const long long number = std::strtoll(p_start, &p_end, 10);
+    if (p_end == p_start) return ReadFault::NOT_READ;
+    return number < INT_MIN || number > INT_MAX ? ReadFault::CLAMPED : ReadFault::NONE;
+  }
+  const double number = std::strtod(p_start, &p_end);
+  if (p_end == p_start || std::isnan(number)) return ReadFault::NOT_READ;
+  return std::fabs(number) > FLT_MAX ? ReadFault::CLAMPED : ReadFault::NONE;
+}
+
+}  // namespace
+
+ReadFault readFault(const std::string& text, ValueKind kind) {
+  if (kind != ValueKind::FLAG) return numberFault(text, kind);
+  return text == "true" || text == "false" ? ReadFault::NONE : ReadFault::NOT_READ;
+}
+
+const char* describeReadFault(ReadFault fault, ValueKind kind) {
+  if (fault == ReadFault::NONE) return "";
+  if (kind == ValueKind::FLAG) return "neither true nor false";
+  if (fault == ReadFault::NOT_READ) return "not a number";
+  return kind == ValueKind::INT ? "beyond the range of a whole number"
+                                : "beyond the range of a number";
+}
+
+void checkSavedValue(const char* caller, const std::string& key, const std::string& text,
+                     ValueKind kind) {
+  const ReadFault fault = readFault(text, kind);
+  if (fault == ReadFault::NONE) return;
+  const char* outcome = fault == ReadFault::CLAMPED ? "clamped to that range"
+                        : kind == ValueKind::FLAG   ? "read as false"
+                                                    : "read as 0";
+  LogManager::getInstance().writeLog(0, "%s: Warning! '%s:%s' is %s; %s.", caller, key.c_str(),
+                                     text.c_str(), describeReadFault(fault, kind), outcome);
 }
 
 bool readColor(const std::string& text, Color& value) {

@@ -43,6 +43,23 @@ int readInt(const std::string& text);
 float readFloat(const std::string& text);
 // True exactly for "true".
 bool readBool(const std::string& text);
+// The kinds of value the readers above read.
+enum class ValueKind { INT, FLOAT, FLAG };
+// How a text falls short of reading, as written, as a value of its kind:
+// not at all (no number at its start, or "nan": the reader gives 0; a flag
+// neither "true" nor "false": the reader gives false), or as a number beyond
+// the kind's range, which the reader clamps. Text after a number ("12ms") is
+// no fault.
+enum class ReadFault { NONE, NOT_READ, CLAMPED };
+ReadFault readFault(const std::string& text, ValueKind kind);
+// The fault in words, for a log line: "not a number", "beyond the range of
+// a whole number", "neither true nor false"; "" for none.
+const char* describeReadFault(ReadFault fault, ValueKind kind);
+// Logs at level 0, under the caller's name, a "key:text" entry of a saved
+// object whose text does not read as written as a value of its kind; the
+// reader reads it all the same.
+void checkSavedValue(const char* caller, const std::string& key, const std::string& text,
+                     ValueKind kind);
 // A colour number from BLACK to CUSTOM, read as readInt reads it (a colour's
 // name reads as 0, BLACK); false, with value untouched, for other numbers.
 bool readColor(const std::string& text, Color& value);

@@ -102,6 +102,7 @@ void Harness::shutDown() {
   GameManager::getInstance().shutDown();
   restoreEnvironment();
   held_keys.clear();
+  pressed_keys.clear();
   held_buttons.clear();
   started = false;
 }
@@ -120,6 +121,7 @@ int Harness::step(int count) {
   while (started && done < count && !game_manager.getGameOver()) {
     queueHeldInput();
     game_manager.step();
+    endFinishedPresses();
     done++;
   }
   return done;
@@ -134,6 +136,11 @@ bool Harness::stepUntil(const std::function<bool()>& condition, int max_steps) {
 }
 
 void Harness::pressKey(int key) {
+  holdKey(key);
+  pressed_keys[key] = KEY_PRESS_STEPS;
+}
+
+void Harness::tapKey(int key) {
   queueKey(key, KEY_PRESSED);
   queueKey(key, KEY_RELEASED);
 }
@@ -141,11 +148,21 @@ void Harness::pressKey(int key) {
 void Harness::holdKey(int key) {
   queueKey(key, KEY_PRESSED);
   addOnce(held_keys, key);
+  pressed_keys.erase(key);
 }
 
 void Harness::releaseKey(int key) {
   queueKey(key, KEY_RELEASED);
   removeOne(held_keys, key);
+  pressed_keys.erase(key);
+}
+
+void Harness::endFinishedPresses() {
+  std::vector<int> finished;
+  for (auto& [key, steps_left] : pressed_keys) {
+    if (--steps_left == 0) finished.push_back(key);
+  }
+  for (const int key : finished) releaseKey(key);
 }
 
 void Harness::moveMouse(Vector where) {

@@ -9,6 +9,10 @@
 
 namespace vt {
 
+// The steps a key pressed by Harness::pressKey is held down: a quick press
+// at 30 frames a second.
+const int KEY_PRESS_STEPS = 3;
+
 // Runs a game without a window, for tests: starts the engine headless with
 // its log in a chosen place, advances the game loop a given number of steps
 // at once (in the loop's own order, without sleeping), hands key and mouse
@@ -45,11 +49,16 @@ class Harness {
   // buttons and keys, as the input manager orders the window's events.
   // Keys are engine key codes (Keyboard::Key), buttons Mouse::Button,
   // positions in window cells.
-  // A quick tap: KEY_PRESSED, then KEY_RELEASED.
+  // A key pressed as a player presses it: KEY_PRESSED and KEY_DOWN in the
+  // next step, KEY_DOWN in the KEY_PRESS_STEPS - 1 steps after it, then
+  // KEY_RELEASED in the step after those.
   void pressKey(int key);
+  // A press of no length, which no keyboard gives: KEY_PRESSED, then
+  // KEY_RELEASED, both in the next step, without any KEY_DOWN.
+  void tapKey(int key);
   // KEY_PRESSED, then KEY_DOWN in every step until releaseKey.
   void holdKey(int key);
-  // KEY_RELEASED; ends a hold.
+  // KEY_RELEASED; ends a hold or a press.
   void releaseKey(int key);
   void moveMouse(Vector where);
   // CLICKED at the position.
@@ -93,6 +102,8 @@ class Harness {
   void queueKey(int key, int action) const;
   void queueMouse(int action, int button) const;
   void queueHeldInput() const;
+  // Counts down the presses under way and releases those that are over.
+  void endFinishedPresses();
   void restoreEnvironment() const;
   // Runs the checks of atStep at their steps.
   void watchSteps();
@@ -101,6 +112,8 @@ class Harness {
   std::string folder;
   std::string log_file;
   std::vector<int> held_keys;
+  // The keys of pressKey, with the steps each is still held for.
+  std::map<int, int> pressed_keys;
   std::vector<int> held_buttons;
   Vector mouse_position;
   std::map<int, std::vector<std::function<void()>>> step_checks;

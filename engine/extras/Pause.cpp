@@ -1,22 +1,16 @@
 #include "extras/Pause.h"
 
-#include <ctime>
+#include <cmath>
+#include <utility>
 
+#include "core/GameManager.h"
 #include "core/LogManager.h"
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/InputManager.h"
+#include "world/WorldManager.h"
 
 namespace vt {
-
-namespace {
-
-void sleepMicroseconds(long microseconds) {
-  const timespec span{0, microseconds * 1000};
-  nanosleep(&span, nullptr);
-}
-
-}  // namespace
 
 Pause::Pause(int init_pause_key) : pause_key(init_pause_key) {
   LogManager::getInstance().writeLog(
@@ -33,33 +27,43 @@ int Pause::eventHandler(const Event* p_event) {
   // Press, hold and release of the key all pause.
   if (static_cast<const EventKeyboard*>(p_event)->getKey() != pause_key) return 1;
   log_manager.writeLog(1, "Pause::eventHandler(): Game paused.");
-  if (!waitForKeyPress()) {
+  if (!canWait()) {
     log_manager.writeLog(
         "Pause::eventHandler(): DisplayManager unexpectedly returned null window!  Cannot pause.");
     return 0;
   }
+  showMessage();
+  waitForKeyPress();
+  GameManager::getInstance().restartFrame();
   log_manager.writeLog(1, "Pause::eventHandler(): Game resumed.");
   return 1;
 }
 
-bool Pause::waitForKeyPress() {
+void Pause::setMessage(std::string new_message, Color new_color) {
+  message = std::move(new_message);
+  message_color = new_color;
+}
+
+bool Pause::canWait() {
+  const DisplayManager& display_manager = DisplayManager::getInstance();
+  return InputManager::getInstance().isReplaying() || display_manager.getWindow() != nullptr ||
+         display_manager.isTerminal();
+}
+
+void Pause::showMessage() const {
+  if (message.empty()) return;
+  DisplayManager& display_manager = DisplayManager::getInstance();
+  const Box view = WorldManager::getInstance().getView();
+  const Vector centre = view.getCorner() + Vector(std::floor(view.getHorizontal() / 2),
+                                                  std::floor(view.getVertical() / 2));
+  display_manager.drawString(centre, message, CENTER_JUSTIFIED, message_color);
+  if (!InputManager::getInstance().isReplaying()) display_manager.swapBuffers();
+}
+
+void Pause::waitForKeyPress() {
   // A replay goes on at once: the recording holds what came after the pause.
-  if (InputManager::getInstance().isReplaying()) return true;
-  sf::RenderWindow* p_window = DisplayManager::getInstance().getWindow();
-  if (p_window == nullptr) return false;
-  bool paused = true;
-  while (paused) {
-    sf::Event event;
-    // Every pending event is drained; a close request is ignored.
-    while (p_window->pollEvent(event)) {
-      if (event.type != sf::Event::KeyPressed) continue;
-      LogManager::getInstance().writeLog(10, "Pause::eventHandler(): Keypress (%d)",
-                                         static_cast<int>(event.key.code));
-      paused = false;
-    }
-    sleepMicroseconds(30);
-  }
-  return true;
+  if (InputManager::getInstance().isReplaying()) return;
+  InputManager::getInstance().waitForKeyPress();
 }
 
 }  // namespace vt

@@ -8,6 +8,12 @@
 
 namespace vt {
 
+namespace {
+
+const char* const DESERIALIZE = "Animation::deserialize()";
+
+}  // namespace
+
 void Animation::setSprite(Sprite* p_new_sprite) {
   if (p_new_sprite != nullptr) setName(p_new_sprite->getLabel());
   p_sprite = p_new_sprite;
@@ -72,12 +78,14 @@ int Animation::deserialize(std::string str) {
   }
   const std::string index_text = match("", "sprite_index");
   if (!index_text.empty()) {
+    checkSavedValue(DESERIALIZE, "sprite_index", index_text, ValueKind::INT);
     const int new_index = readInt(index_text);
     log_manager.writeLog(20, "Animation::deserialize(): sprite_index is %d", new_index);
     setIndex(new_index);
   }
   const std::string count_text = match("", "sprite_slowdown_count");
   if (!count_text.empty()) {
+    checkSavedValue(DESERIALIZE, "sprite_slowdown_count", count_text, ValueKind::INT);
     const int new_count = readInt(count_text);
     log_manager.writeLog(20, "Animation::deserialize(): sprite_slowdown_count is %d", new_count);
     setSlowdownCount(new_count);

@@ -3,6 +3,7 @@
 #include <SFML/Window/Keyboard.hpp>
 #include <SFML/Window/Mouse.hpp>
 #include <chrono>
+#include <thread>
 
 #include "core/Config.h"
 #include "core/GameManager.h"
@@ -176,7 +177,9 @@ void InputManager::sendTerminalInput() {
     }
     terminal_controls.take(event, now_ms);
   }
-  for (const InputRecord& record : terminal_controls.takeStep(now_ms)) sendRecord(record);
+  for (const InputRecord& record : terminal_controls.takeEvents(now_ms)) sendRecord(record);
+  // Held after the events: a pause while they were handled lets go of keys.
+  for (const InputRecord& record : terminal_controls.heldInput()) sendRecord(record);
 }
 
 std::vector<TerminalEvent> InputManager::readTerminal() {
@@ -252,6 +255,44 @@ void InputManager::sendWindowEvent(const sf::Event& event) {
       break;
     default:
       break;
+  }
+}
+
+void InputManager::waitForKeyPress() {
+  if (DisplayManager::getInstance().isTerminal()) {
+    waitForTerminalKey();
+    return;
+  }
+  sf::RenderWindow* p_window = DisplayManager::getInstance().getWindow();
+  while (p_window != nullptr) {
+    sf::Event event;
+    // Every pending event is drained; a close request is ignored.
+    while (p_window->pollEvent(event)) {
+      if (event.type != sf::Event::KeyPressed) continue;
+      LogManager::getInstance().writeLog(10, "Pause::eventHandler(): Keypress (%d)",
+                                         static_cast<int>(event.key.code));
+      return;
+    }
+    std::this_thread::sleep_for(std::chrono::microseconds(30));
+  }
+}
+
+// A key counts when it is pressed anew: the repeats of a key still held
+// (the pause key itself, say) do not end the wait.
+void InputManager::waitForTerminalKey() {
+  while (true) {
+    const long now_ms = monotonicMilliseconds();
+    for (const TerminalEvent& event : readTerminal()) {
+      if (event.type == TerminalEvent::QUIT) {
+        closeWindow();
+        return;
+      }
+      terminal_controls.take(event, now_ms);
+    }
+    for (const InputRecord& record : terminal_controls.takeEvents(now_ms)) {
+      if (record.kind == InputRecord::KEY && record.action == KEY_PRESSED) return;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
 }
 

@@ -52,6 +52,11 @@ class InputManager : public Manager {
   // last getInput delivered, in delivery order.
   const std::vector<InputRecord>& getDeliveredInput() const { return delivered_input; }
 
+  // Waits until the player presses a key, in the window or the terminal;
+  // the input meanwhile is dropped. A quit request in a terminal ends the
+  // wait and the game.
+  void waitForKeyPress();
+
   // A keyboard event with the engine code of the SFML key; the action is
   // left for the caller.
   EventKeyboard toEventKeyboard(const sf::Event::KeyEvent& key_event) const;
@@ -64,6 +69,7 @@ class InputManager : public Manager {
   bool sendWindowEvents(sf::Window& window);
   void sendWindowEvent(const sf::Event& event);
   void sendTerminalInput();
+  void waitForTerminalKey();
   // The terminal's news since the last step, a quit request included.
   std::vector<TerminalEvent> readTerminal();
   void sendRecord(const InputRecord& record);

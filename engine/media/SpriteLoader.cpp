@@ -257,6 +257,13 @@ bool SpriteLoader::readRobustHeader(SpriteHeader& header) {
   }
   matchOptional(lines, header);
   logUnused(lines, "RM::loadRobustSprite(): Warning! Unused HEADER lines:");
+  // A misspelled name leaves its setting at the default: said at every level.
+  lines.forEach([](const std::string& line) {
+    logManager().writeLog(0,
+                          "RM::loadRobustSprite(): Warning! Unknown HEADER line '%s'; the names "
+                          "are frames, width, height, color, slowdown and transparency.",
+                          line.c_str());
+  });
   logSummary(header.frames, header.width, header.height, header.slowdown);
   if (header.transparency == 0) {
     logManager().writeLog(5, "\tTransparency: (none)");

@@ -29,6 +29,7 @@ void TerminalControls::takeKey(const TerminalEvent& event, long now_ms) {
         found->second.repeating = true;
         found->second.last_ms = now_ms;
       } else {
+        releaseTypedKeys();
         press(event.key, {false, false, now_ms});
       }
       break;
@@ -66,10 +67,24 @@ void TerminalControls::releaseSilentKeys(long now_ms) {
   }
 }
 
-std::vector<InputRecord> TerminalControls::takeStep(long now_ms) {
+void TerminalControls::releaseTypedKeys() {
+  for (auto held = held_keys.begin(); held != held_keys.end();) {
+    const int code = held->first;
+    const bool reported = held->second.reported;
+    ++held;
+    if (!reported) release(code);
+  }
+}
+
+std::vector<InputRecord> TerminalControls::takeEvents(long now_ms) {
   releaseSilentKeys(now_ms);
-  std::vector<InputRecord> input = std::move(step_input);
+  std::vector<InputRecord> events = std::move(step_input);
   step_input.clear();
+  return events;
+}
+
+std::vector<InputRecord> TerminalControls::heldInput() const {
+  std::vector<InputRecord> input;
   for (const int button : held_buttons) {
     input.push_back({InputRecord::MOUSE, PRESSED, button, mouse_position});
   }

@@ -17,7 +17,8 @@ namespace vt {
 // Without it a key sends its bytes once when pressed and again at each
 // auto-repeat: the key counts as held while they keep coming, and as
 // released after a silence longer than the wait before the first repeat,
-// or, once repeating, longer than the gap between repeats.
+// or, once repeating, longer than the gap between repeats. Keyboards repeat
+// only the last key pressed, so a new key releases the others at once.
 class TerminalControls {
  public:
   // Most terminals start repeating after 500 to 660 ms, then repeat every
@@ -27,11 +28,13 @@ class TerminalControls {
 
   // Takes a key or mouse event that arrived at a time in milliseconds.
   void take(const TerminalEvent& event, long now_ms);
-  // The input of this step, in the order a window gives it: presses,
-  // releases, clicks and moves as they came, then the held mouse buttons,
-  // then the held keys. Keys typed without the protocol whose repeats
-  // stopped are released first.
-  std::vector<InputRecord> takeStep(long now_ms);
+  // The presses, releases, clicks and moves that came since the last call,
+  // in order; keys typed without the protocol whose repeats stopped are
+  // released first.
+  std::vector<InputRecord> takeEvents(long now_ms);
+  // The mouse buttons held, then the keys held, as a window reports them
+  // after its events each step.
+  std::vector<InputRecord> heldInput() const;
   // Everything let go, as when the game loses the terminal.
   void clear();
 
@@ -48,6 +51,7 @@ class TerminalControls {
   void press(int key, const HeldKey& held);
   void release(int key);
   void releaseSilentKeys(long now_ms);
+  void releaseTypedKeys();
 
   std::vector<InputRecord> step_input;
   std::map<int, HeldKey> held_keys;

@@ -11,6 +11,8 @@ namespace vt {
 
 namespace {
 
+const char* const DESERIALIZE = "ViewObject::deserialize()";
+
 // Selection names of the view attributes, in the order of their flags.
 const char* const VIEW_GROUP_NAMES[] = {"STRING,", "VALUE,",    "BORDER,",
                                         "COLOR,",  "LOCATION,", "DRAW_VALUE,"};
@@ -164,12 +166,14 @@ int ViewObject::deserialize(std::string str) {
   }
   const std::string value_text = match("", "view_value");
   if (!value_text.empty()) {
+    checkSavedValue(DESERIALIZE, "view_value", value_text, ValueKind::INT);
     const int number = readInt(value_text);
     log_manager.writeLog(20, "ViewObject::deserialize(): value is %d", number);
     setValue(number);
   }
   const std::string border_text = match("", "view_border");
   if (!border_text.empty()) {
+    checkSavedValue(DESERIALIZE, "view_border", border_text, ValueKind::FLAG);
     const bool new_border = readBool(border_text);
     log_manager.writeLog(20, "ViewObject::deserialize(): border is %s",
                          toString(new_border).c_str());
@@ -177,11 +181,15 @@ int ViewObject::deserialize(std::string str) {
   }
   Color new_color = WHITE;
   const std::string color_text = match("", "view_color");
+  if (!color_text.empty()) checkSavedValue(DESERIALIZE, "view_color", color_text, ValueKind::INT);
   if (!color_text.empty() && readColor(color_text, new_color)) {
     log_manager.writeLog(20, "ViewObject::deserialize(): color is %d", static_cast<int>(new_color));
     setColor(new_color);
   }
   const std::string location_text = match("", "view_location");
+  if (!location_text.empty()) {
+    checkSavedValue(DESERIALIZE, "view_location", location_text, ValueKind::INT);
+  }
   // -1 stands for a position set directly, which the Object entries carry.
   const int new_location = readInt(location_text);
   if (!location_text.empty() && new_location != -1) {
@@ -190,6 +198,7 @@ int ViewObject::deserialize(std::string str) {
   }
   const std::string draw_value_text = match("", "view_draw_value");
   if (!draw_value_text.empty()) {
+    checkSavedValue(DESERIALIZE, "view_draw_value", draw_value_text, ValueKind::FLAG);
     const bool new_draw_value = readBool(draw_value_text);
     log_manager.writeLog(20, "ViewObject::deserialize(): draw_value is %s",
                          toString(new_draw_value).c_str());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <map>
 #include <new>
 #include <vector>
 
@@ -50,6 +51,8 @@ const LogManager& logManager() {
   return LogManager::getInstance();
 }
 
+const char* const DESERIALIZE = "Object::deserialize()";
+
 // The value of a key in the text that deserialize parsed last.
 std::string valueOf(const std::string& key) {
   return match("", key);
@@ -71,6 +74,9 @@ std::vector<std::string> words(const std::string& text) {
 bool readWaypoint(const std::string& text, Vector& waypoint) {
   const std::vector<std::string> parts = words(text);
   if (parts.size() != 2) return false;
+  for (const std::string& coordinate : parts) {
+    checkSavedValue(DESERIALIZE, "path", coordinate, ValueKind::FLOAT);
+  }
   waypoint = Vector(readFloat(parts[0]), readFloat(parts[1]));
   return true;
 }
@@ -81,6 +87,7 @@ bool readWaypoint(const std::string& text, Vector& waypoint) {
 bool readIntKey(const std::string& key, int& value) {
   const std::string text = valueOf(key);
   if (text.empty()) return false;
+  checkSavedValue(DESERIALIZE, key, text, ValueKind::INT);
   value = readInt(text);
   logManager().writeLog(20, "Object::deserialize(): %s is %d", key.c_str(), value);
   return true;
@@ -89,6 +96,7 @@ bool readIntKey(const std::string& key, int& value) {
 bool readFloatKey(const std::string& key, float& value) {
   const std::string text = valueOf(key);
   if (text.empty()) return false;
+  checkSavedValue(DESERIALIZE, key, text, ValueKind::FLOAT);
   value = readFloat(text);
   logManager().writeLog(20, "Object::deserialize(): %s is %.2f", key.c_str(),
                         static_cast<double>(value));
@@ -98,10 +106,22 @@ bool readFloatKey(const std::string& key, float& value) {
 bool readBoolKey(const std::string& key, bool& value) {
   const std::string text = valueOf(key);
   if (text.empty()) return false;
+  checkSavedValue(DESERIALIZE, key, text, ValueKind::FLAG);
   value = readBool(text);
   logManager().writeLog(20, "Object::deserialize(): %s is %s", key.c_str(),
                         toString(value).c_str());
   return true;
+}
+
+// Logs every key the text gives more than once: only its first entry is read.
+void logRepeatedKeys(const std::string& text) {
+  std::map<std::string, int> counts;
+  for (const auto& entry : matchEntries(text)) counts[entry.first]++;
+  for (const auto& [key, count] : counts) {
+    if (count < 2) continue;
+    logManager().writeLog(0, "%s: Warning! '%s' is given %d times; only the first is read.",
+                          DESERIALIZE, key.c_str(), count);
+  }
 }
 
 // Reads every key of a group that must come complete; true when all were
@@ -551,6 +571,7 @@ std::string Object::serializePath() const {
 int Object::deserialize(std::string str) {
   // An empty text would make match search the last text it parsed.
   if (str.empty()) return 0;
+  logRepeatedKeys(str);
   // Parses str once; the readers then look keys up in its entries.
   match(str, "");
   int new_id = 0;
@@ -642,8 +663,11 @@ void Object::deserializeShape() {
     texts[i] = valueOf(KEYS[i]);
     if (texts[i].empty()) return;
   }
+  static const ValueKind KINDS[] = {ValueKind::INT, ValueKind::FLOAT, ValueKind::INT,
+                                    ValueKind::INT};
   for (int i = 0; i < 4; i++) {
     logManager().writeLog(20, "Object::deserialize(): %s is '%s'", KEYS[i], texts[i].c_str());
+    checkSavedValue(DESERIALIZE, KEYS[i], texts[i], KINDS[i]);
   }
   Color color = BLACK;
   if (!readColor(texts[2], color)) return;

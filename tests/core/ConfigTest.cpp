@@ -3,8 +3,13 @@
 #include <climits>
 #include <cstdlib>
 #include <fstream>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include "core/Config.h"
+#include "core/GameManager.h"
 #include "core/LogManager.h"
 #include "core/Match.h"
 #include "support/HeadlessEngine.h"
@@ -73,4 +78,86 @@ TEST(Config, EveryKeyIsRead) {
     EXPECT_NE(engine.logText().find(line), std::string::npos) << line;
   }
   EXPECT_EQ(config.getFontScale(), 1.5f);
+}
+
+// At start-up each line the engine cannot read is named with its number in
+// the log and on standard error, and its setting keeps its default; a last
+// line without its comma is read.
+TEST(Config, ProblemsOfTheFileAreNamedWithTheirLinesAtStartUp) {
+  const std::string directory = test::makeTempDir();
+  // Each line, and what is wrong with it ("" for nothing).
+  const std::vector<std::pair<std::string, std::string>> LINES = {
+      {"headless:true,", ""},
+      {"logfile:" + directory + "/game.log,", ""},
+      {"# frame_time:oops", ""},
+      {"frame_time = 100,", "not a 'key:value,' entry"},
+      {"colour:red,", "unknown key 'colour'"},
+      {"frame_time:fast,", "the value of frame_time is not a number, so it keeps its default"},
+      {"show_mouse:yes,",
+       "the value of show_mouse is neither true nor false, so it keeps its default"},
+      {"window_style:tiled,",
+       "the value of window_style is neither default nor fullscreen, so it keeps its default"},
+      {"random_seed:5", "no comma at its end, so the next line is read into its value"},
+      {"window_vertical_chars:20,", ""},
+      {"window_title:Mine", ""},
+  };
+  std::string text;
+  for (const auto& [line, problem] : LINES) text += line + "\n";
+  std::ofstream(directory + "/vt-config.txt") << text;
+  setenv("VANTOR_CONFIG", (directory + "/vt-config.txt").c_str(), 1);
+  testing::internal::CaptureStderr();
+  ASSERT_EQ(vt::GameManager::getInstance().startUp(), 0);
+  const std::string said = testing::internal::GetCapturedStderr();
+  const Config& config = Config::getInstance();
+  EXPECT_EQ(
+      std::tuple(config.getFrameTime(), config.getShowMouse(), config.getWindowStyle(),
+                 config.getRandomSeed(), config.getWindowVerticalChars(), config.getWindowTitle()),
+      std::tuple(33, false, vt::WINDOW_STYLE_DEFAULT, 5, 24, std::string("Mine")));
+  vt::GameManager::getInstance().shutDown();
+  const std::string log = test::readFile(directory + "/game.log");
+  std::string expected_said;
+  for (std::size_t i = 0; i < LINES.size(); i++) {
+    if (LINES[i].second.empty()) continue;
+    const std::string problem = directory + "/vt-config.txt line " + std::to_string(i + 1) + " ('" +
+                                LINES[i].first + "'): " + LINES[i].second;
+    EXPECT_NE(log.find(" Config::loadConfig(): Warning! " + problem + "\n"), std::string::npos)
+        << problem;
+    expected_said += "vantor: " + problem + "\n";
+  }
+  EXPECT_EQ(said, expected_said);
+  test::restoreEngineSettings();
+}
+
+// The log level comes from the file's log_level or, before it, from
+// VANTOR_LOG_LEVEL: level 1 shows the configuration block.
+TEST(Config, TheLogLevelIsSetByTheFileAndTheEnvironmentWins) {
+  const std::string directory = test::makeTempDir();
+  const struct {
+    const char* setting;
+    const char* environment;
+    bool block_shown;
+    const char* said;
+  } CASES[] = {
+      {"", nullptr, false, ""},
+      {"log_level:1,", nullptr, true, ""},
+      {"", "1", true, ""},
+      {"log_level:1,", "0", false, ""},
+      {"log_level:1,", "high", true, "vantor: VANTOR_LOG_LEVEL 'high' is not a number; ignored\n"},
+  };
+  for (const auto& c : CASES) {
+    SCOPED_TRACE(std::string(c.setting) + (c.environment ? c.environment : "-"));
+    std::ofstream(directory + "/vt-config.txt")
+        << "headless:true,\nlogfile:" << directory << "/game.log,\n"
+        << c.setting << "\n";
+    setenv("VANTOR_CONFIG", (directory + "/vt-config.txt").c_str(), 1);
+    c.environment ? setenv("VANTOR_LOG_LEVEL", c.environment, 1) : unsetenv("VANTOR_LOG_LEVEL");
+    testing::internal::CaptureStderr();
+    ASSERT_EQ(vt::GameManager::getInstance().startUp(), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), c.said);
+    vt::GameManager::getInstance().shutDown();
+    const std::string log = test::readFile(directory + "/game.log");
+    EXPECT_EQ(log.find("Vantor configuration:") != std::string::npos, c.block_shown);
+    unsetenv("VANTOR_LOG_LEVEL");
+    test::restoreEngineSettings();
+  }
 }

@@ -90,6 +90,23 @@ TEST_F(GameManagerTest, LateFramesAreReportedButNeverOnTheFirstStep) {
   }
 }
 
+// Steps 1 to 4 wait far past their frame, as a pause does; step 2 then
+// restarts its frame, as the pause does when a key ends it, and is not
+// late. Steps 1 and 3 overrun too, so that no oversleep before steps 2 and
+// 4 forgives them.
+TEST_F(GameManagerTest, AFrameRestartedAfterAWaitIsNotLate) {
+  startWith("frame_time:20,\n");
+  onSteps(5, [](int step) {
+    if (step < 1 || step > 4) return;
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    if (step == 2) GameManager::getInstance().restartFrame();
+  });
+  GameManager::getInstance().run();
+  const std::string log = stopAndReadLog();
+  EXPECT_EQ(log.find(" 2 GameManager::run(): Can't keep up!"), std::string::npos) << log;
+  EXPECT_NE(log.find(" 4 GameManager::run(): Can't keep up!"), std::string::npos) << log;
+}
+
 TEST_F(GameManagerTest, StartUpFailsWhenTheLogCannotBeOpened) {
   setenv("VANTOR_LOG", "/nonexistent/dir/vantor.log", 1);
   setenv("VANTOR_CONFIG", "/nonexistent/config.txt", 1);

@@ -1,9 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
 #include <regex>
+#include <string>
 
+#include "core/EventStep.h"
 #include "core/LogManager.h"
+#include "extras/Harness.h"
+#include "media/ResourceManager.h"
 #include "support/HeadlessEngine.h"
+#include "support/RecordingObject.h"
 
 using vt::LogManager;
 
@@ -35,4 +42,32 @@ TEST(LogManager, LinesCarryTimeAndStepLevelsFilterThemAndOtherFilesGetTheirOwn) 
   ASSERT_EQ(log_manager.startUp(), 0);
   log_manager.writeLog("second run");
   EXPECT_EQ(engine.logText().find("plain 7"), std::string::npos);
+}
+
+// A line is in the file by the end of the step it was written in, whether a
+// step handler wrote it or the game before the step (here a sprite file's
+// misspelled header name, said at the default level).
+TEST(LogManager, EveryLineIsInTheFileByTheEndOfItsStep) {
+  vt::Harness harness;
+  ASSERT_EQ(harness.startUp(), 0);
+  const std::string sprite = testing::TempDir() + "misspelled-sprite.txt";
+  std::ofstream(sprite) << "<HEADER>\nframes 1\nwidth 1\nheight 1\ncolour green\n</HEADER>\n"
+                        << "<BODY>\n*\nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n";
+  EXPECT_EQ(vt::ResourceManager::getInstance().loadSprite(sprite, "star"), 0);
+  auto* p_writer = new test::RecordingObject;
+  p_writer->registerInterest(vt::STEP_EVENT);
+  p_writer->on_event = [p_writer](const vt::Event*) {
+    LogManager::getInstance().writeLog("step %d done", p_writer->steps.back());
+  };
+  for (int step = 0; step < 3; step++) {
+    harness.step();
+    // Read as another process reads it, without flushing this one's streams.
+    const std::string log = test::readFile(harness.getLogFile());
+    EXPECT_NE(log.find(" step " + std::to_string(step) + " done\n"), std::string::npos) << log;
+    EXPECT_NE(log.find(" RM::loadRobustSprite(): Warning! Unknown HEADER line 'colour green'; the "
+                       "names are frames, width, height, color, slowdown and transparency.\n"),
+              std::string::npos)
+        << log;
+  }
+  std::remove(sprite.c_str());
 }

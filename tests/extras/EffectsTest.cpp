@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
+#include <string>
 
 #include "core/Config.h"
 #include "core/EventStep.h"
@@ -123,6 +125,47 @@ TEST(Pause, ItsKeyHoldsTheGameUntilTheNextKeyPress) {
   int status = -1;
   waitpid(child, &status, 0);
   EXPECT_EQ(status, 0);
+}
+
+// The pause's message is drawn in the centre of the screen in the step its
+// key comes in; a replay, which does not wait, shows it in that step's
+// frame. Without a message the pause draws nothing.
+TEST(Pause, ItsMessageIsShownInTheCentreOfTheScreen) {
+  const std::string folder = test::makeTempDir();
+  const std::string recording = folder + "/pause.vrec";
+  {
+    vt::Harness harness;
+    ASSERT_EQ(harness.startUp(), 0);
+    new vt::Pause(vt::Keyboard::F10);
+    ASSERT_EQ(harness.record(recording), 0);
+    harness.step();
+    harness.tapKey(vt::Keyboard::F10);
+    harness.step(2);
+    ASSERT_EQ(harness.finishReplay(), 0);
+  }
+  // The centre row of the frame in each step.
+  const auto centreRow = [](const vt::Harness& harness) {
+    std::istringstream frame(harness.frameText());
+    std::string row;
+    for (int i = 0; i < 2 + 12; i++) std::getline(frame, row);
+    return std::getline(frame, row) ? row : "";
+  };
+  const std::string blank(80, ' ');
+  for (const std::string message : {"", "Paused: any key resumes"}) {
+    SCOPED_TRACE(message);
+    vt::Harness harness;
+    ASSERT_EQ(harness.startUp(), 0);
+    (new vt::Pause(vt::Keyboard::F10))->setMessage(message, vt::YELLOW);
+    ASSERT_EQ(harness.replay(recording), 0);
+    std::string shown = blank;
+    shown.replace(40 - message.size() / 2, message.size(), message);
+    for (const std::string& expected : {blank, shown, blank}) {
+      harness.step();
+      EXPECT_EQ(centreRow(harness), expected + "|");
+    }
+    EXPECT_EQ(harness.finishReplay(), 0) << harness.replayFailure();
+  }
+  std::filesystem::remove_all(folder);
 }
 
 // Size 20 and a fixed seed: the shortest and longest lives both occur. Vertical

@@ -70,7 +70,7 @@ void playSession(vt::Harness& harness) {
   harness.holdKey(vt::Keyboard::D);
   harness.step(5);
   harness.releaseKey(vt::Keyboard::D);
-  harness.pressKey(vt::Keyboard::P);
+  harness.tapKey(vt::Keyboard::P);
   harness.step(82);
 }
 

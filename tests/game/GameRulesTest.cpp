@@ -101,13 +101,13 @@ TEST_F(GameFixture, NukesDestroyEnemyBulletsOnlyAndCost200) {
   p_points->setValue(150);
   for (const float x : {10.0f, 20.0f}) new EnemyBullet(Vector(x, 5));
   new Drelk;
-  harness.pressKey(Key::SPACE);
+  harness.tapKey(Key::SPACE);
   step();
   EXPECT_EQ(std::tuple(countOf("EnemyBullet"), countOf("Drelk")), std::tuple(0, 1));
   EXPECT_EQ(std::pair(p_hero->getNukeCount(), p_points->getValue()), std::pair(4, -50));
   // Four more, and a sixth that finds none left.
   for (int i = 0; i < 5; i++) {
-    harness.pressKey(Key::SPACE);
+    harness.tapKey(Key::SPACE);
     step();
   }
   EXPECT_EQ(std::pair(p_hero->getNukeCount(), p_points->getValue()), std::pair(0, -50 - 4 * 200));
@@ -180,7 +180,7 @@ TEST_F(GameFixture, HeroMovesInsideItsBoundsAndFiresEveryFifthStep) {
     EXPECT_EQ(p_hero->getPosition(), hold.end) << hold.key;
   }
   // A tap (not a hold) does not move.
-  harness.pressKey(Key::D);
+  harness.tapKey(Key::D);
   step(3);
   EXPECT_EQ(p_hero->getPosition(), Vector(4, 4));
 
@@ -242,9 +242,9 @@ TEST_F(GameFixture, EveryResourceOfTheGameLoads) {
 // replayed sessions; Q during a game removes only the hero.
 TEST_F(GameFixture, QDuringAGameRemovesOnlyTheHero) {
   auto* p_title = new GameStart;
-  harness.pressKey(Key::P);
+  harness.tapKey(Key::P);
   step();
-  harness.pressKey(Key::Q);
+  harness.tapKey(Key::Q);
   step();
   EXPECT_EQ(std::tuple(countOf("Hero"), countOf("Drelk"), countOf("GameOver")),
             std::tuple(0, 11, 0));

@@ -104,7 +104,7 @@ TEST(ShooterReplay, AWonGameShowsTheBossItsFanTheVictoryAndTheTitle) {
   std::srand(3);
   loadResources();
   populateWorld();
-  harness.pressKey(vt::Keyboard::P);
+  harness.tapKey(vt::Keyboard::P);
   harness.step();
   vt::WorldManager& world = vt::WorldManager::getInstance();
   static_cast<Points*>(world.objectsOfType("Points")[0])->setValue(1001);

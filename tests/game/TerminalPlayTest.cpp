@@ -100,21 +100,30 @@ void pauseMilliseconds(int milliseconds) {
   std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
-// The real game in tmux, played from the title with the mouse and a held
-// key, the ship taken away with Q and the game ended with Ctrl-C; the
-// session, recorded, is then replayed to find the frames the engine drew
-// for every screen captured.
+// The real game in tmux, paused and resumed at the title, played with the
+// mouse and a held key, the ship taken away with Q and the game ended with
+// Ctrl-C; the session, recorded, is then replayed to find the frames the
+// engine drew for every screen captured.
 TEST(TerminalPlay, TheShooterIsPlayedInATerminalShowingTheFramesTheEngineDrew) {
   const std::string folder = test::makeTempDir();
   const std::string recording = folder + "/play.vrec";
-  test::TmuxSession session(
-      "cd " VANTOR_GAME_DIR " && COLORTERM=truecolor VANTOR_DISPLAY=terminal VANTOR_LOG=" + folder +
-          "/vantor.log VANTOR_RECORD=" + recording + " ./shooter",
-      COLUMNS, ROWS);
+  // A fixed seed, so that the drelks come the same way each time, and the
+  // pause's lines in the log.
+  const std::string config = folder + "/vt-config.txt";
+  std::ofstream(config) << "random_seed:7,\n" << test::readFile(VANTOR_GAME_DIR "/vt-config.txt");
+  test::TmuxSession session("cd " VANTOR_GAME_DIR " && VANTOR_CONFIG=" + config +
+                                " VANTOR_LOG_LEVEL=1 COLORTERM=truecolor VANTOR_DISPLAY=terminal "
+                                "VANTOR_LOG=" +
+                                folder + "/vantor.log VANTOR_RECORD=" + recording + " ./shooter",
+                            COLUMNS, ROWS);
   ASSERT_TRUE(session.isRunning());
   std::vector<std::string> captured;
   ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.shows("[ P ]  PLAY"); }, 30));
   captured.push_back(session.screenWithColours());
+  // F10 pauses until another key comes.
+  session.sendKeys("F10");
+  pauseMilliseconds(1500);
+  session.sendKeys("x");
   session.sendKeys("p");
   ASSERT_TRUE(test::TmuxSession::waitFor([&] { return shipColumn(session) >= 0; }, 10));
   const int ship_at_start = shipColumn(session);
@@ -141,6 +150,13 @@ TEST(TerminalPlay, TheShooterIsPlayedInATerminalShowingTheFramesTheEngineDrew) {
   ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.exitStatus() >= 0; }, 30));
   EXPECT_EQ(session.exitStatus(), 0);
   EXPECT_EQ(session.paneFormat("#{alternate_on}#{cursor_flag}"), "01");
+  const std::string logged = test::readFile(folder + "/vantor.log");
+  const std::size_t paused = logged.find("Game paused.");
+  const std::size_t resumed = logged.find("Game resumed.");
+  ASSERT_TRUE(paused != std::string::npos && resumed != std::string::npos) << logged;
+  EXPECT_NE(logged.substr(logged.rfind('\n', paused) + 1, 8),
+            logged.substr(logged.rfind('\n', resumed) + 1, 8))
+      << "the pause waited for the key a second and more";
   const std::string recorded = test::readFile(recording);
   EXPECT_NE(recorded.find("move@40,5"), std::string::npos) << recorded;
   EXPECT_NE(recorded.find("click:left@40,5 hold:left@40,5"), std::string::npos);

@@ -63,12 +63,8 @@ const std::pair<std::string, std::string> LOADED[] = {
     {crlf(robust({"transparency ..x", "height 2", "width 1", "frames 1", "color black"},
                  {".", "a", "end"})),
      "1x2 s0 c0 t.: .a"},
-    // Colour, transparency and slowdown may be left out; the last of a
-    // repeated line counts, and lines no one asked for are let be.
+    // Colour, transparency and slowdown may be left out.
     {robust({"frames 1", "width 2", "height 1"}, {"xy", "end"}, {"version 2"}), "2x1 s0 c7 t-: xy"},
-    {robust({"width 5", "height 1", "frames 1", "width 2", "colour red", "slowdown 3"},
-            {"ab", "end"}, {"author me", "version 1", "version 2"}),
-     "2x1 s3 c7 t-: ab"},
 };
 
 // Files refused, with the log lines between the opening one and the closing one.
@@ -132,6 +128,13 @@ TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
     rm.unloadSprite("s");
   };
   for (const auto& [text, sprite] : LOADED) load(text, {}, sprite);
+  // The last of a repeated header line counts; one the loader does not
+  // know is named, and the sprite loads.
+  load(robust({"width 5", "height 1", "frames 1", "width 2", "colour red", "slowdown 3"},
+              {"ab", "end"}, {"author me", "version 1", "version 2"}),
+       {"RM::loadRobustSprite(): Warning! Unknown HEADER line 'colour red'; the names are frames, "
+        "width, height, color, slowdown and transparency."},
+       "2x1 s3 c7 t-: ab");
   for (const auto& [text, log] : REFUSED) load(text, log, "");
   // From log level 5 on the header is summed up; from 15 on the frames are written out too.
   vt::LogManager::getInstance().setLogLevel(15);

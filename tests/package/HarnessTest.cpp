@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <sstream>
@@ -57,7 +58,7 @@ TEST(Harness, InputArrivesInTheLoopsOrderHeldInputRepeats) {
   auto* p_recorder = new Recorder;
   harness.holdKey(vt::Keyboard::SPACE);
   harness.holdMouse(vt::Mouse::LEFT, vt::Vector(5, 3));
-  harness.pressKey(vt::Keyboard::A);
+  harness.tapKey(vt::Keyboard::A);
   EXPECT_EQ(harness.step(2), 2);
   harness.releaseKey(vt::Keyboard::SPACE);
   harness.releaseMouse(vt::Mouse::LEFT);
@@ -76,7 +77,12 @@ TEST(Harness, InputArrivesInTheLoopsOrderHeldInputRepeats) {
   ASSERT_EQ(harness.startUp(), 0);
   auto* p_fresh = new Recorder;
   harness.step(2);
-  EXPECT_EQ(p_fresh->seen, (std::vector<std::string>{"step 0", "step 1"}));
+  // A press is held down for a few steps, as a player's is.
+  harness.pressKey(vt::Keyboard::A);
+  harness.step(vt::KEY_PRESS_STEPS + 2);
+  EXPECT_EQ(p_fresh->seen, (std::vector<std::string>{"step 0", "step 1", "step 2", "key 0 36",
+                                                     "key 2 36", "step 3", "key 2 36", "step 4",
+                                                     "key 2 36", "step 5", "key 1 36", "step 6"}));
 }
 
 TEST(Harness, AFailedStartSaysWhereAndTheHarnessRestoresTheSettingsItForces) {
@@ -91,8 +97,10 @@ TEST(Harness, AFailedStartSaysWhereAndTheHarnessRestoresTheSettingsItForces) {
   vt::GameManager::getInstance().shutDown();
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "vantor: cannot start the display manager: DisplayManager::startUp(): Error! Cannot "
-            "open X display ''.; see " +
-                log_file + "\n");
+            "open X display ''. See " +
+                log_file + "\nvantor: missing from the working folder " +
+                std::filesystem::current_path().string() +
+                ": the font file vt-font.ttf; start the game from its own folder\n");
 
   vt::Harness harness;
   ASSERT_EQ(harness.startUp(testing::TempDir() + "harness.log"), 0);

@@ -124,3 +124,49 @@ TEST(ObjectSerialization, BadTextIsLoggedAndChangesNothingElse) {
     EXPECT_EQ(log.find("\tNot added.\n") != std::string::npos, c.path != kept);
   }
 }
+
+// A value that does not read as written is logged at level 0 and read as
+// before; a key given twice is logged and its first entry read.
+TEST(ObjectSerialization, ValuesThatDoNotReadAsWrittenAreLogged) {
+  const struct {
+    const char* text;
+    const char* warning;
+    const char* group;
+    const char* read;
+  } CASES[] = {
+      {"pos-x:2,pos-y:3,", "", "POSITION,", "pos-x:2,pos-y:3,"},
+      {"pos-x:abc,pos-y:3,",
+       "Object::deserialize(): Warning! 'pos-x:abc' is not a number; read as 0.", "POSITION,",
+       "pos-x:0,pos-y:3,"},
+      {"pos-x:1e40,pos-y:3,",
+       "Object::deserialize(): Warning! 'pos-x:1e40' is beyond the range of a number; clamped to "
+       "that range.",
+       "POSITION,", "pos-x:3.40282e+38,pos-y:3,"},
+      {"id:70,pos-x:2,id:80,",
+       "Object::deserialize(): Warning! 'id' is given 2 times; only the "
+       "first is read.",
+       "ID,", "id:70,"},
+      {"is_visible:yes,",
+       "Object::deserialize(): Warning! 'is_visible:yes' is neither true nor false; read as false.",
+       "VISIBLE,", "is_visible:false,"},
+      {"sprite_index:second,",
+       "Animation::deserialize(): Warning! 'sprite_index:second' is not a number; read as 0.",
+       "ANIMATION,", "sprite_name:,sprite_index:0,sprite_slowdown_count:0,"},
+  };
+  for (const auto& c : CASES) {
+    SCOPED_TRACE(c.text);
+    test::HeadlessEngine engine;
+    auto* p_object = new Object;
+    p_object->deserialize(c.text);
+    EXPECT_EQ(p_object->serialize(c.group), c.read);
+    const std::string log = engine.logText();
+    // One warning, or none for a text that reads as written.
+    const std::size_t warning = log.find("Warning!");
+    if (*c.warning == '\0') {
+      EXPECT_EQ(warning, std::string::npos) << log;
+      continue;
+    }
+    EXPECT_NE(log.find(std::string(" ") + c.warning + "\n"), std::string::npos) << log;
+    EXPECT_EQ(log.find("Warning!", warning + 1), std::string::npos) << log;
+  }
+}
