@@ -171,6 +171,8 @@ void InputManager::sendRecord(const InputRecord& record) {
 void InputManager::sendTerminalInput() {
   const long now_ms = monotonicMilliseconds();
   for (const TerminalEvent& event : readTerminal()) {
+    LogManager::getInstance().writeLog(15, "InputManager::getInput(): terminal %s",
+                                       toString(event).c_str());
     if (event.type == TerminalEvent::QUIT) {
       closeWindow();
       return;

@@ -161,6 +161,9 @@ TEST_F(NetworkManagerTest, ClientsBeyondTheLimitAreRefusedAndCloseRenumbersTheOt
   RawPeer refused(port);
   ASSERT_TRUE(pumpUntil([&] { return refused.sawClose(); }));
   EXPECT_EQ(network_manager.getNumConnections(), 2);
+  // Closing all closes the first, and then the third of those renumbered.
+  EXPECT_EQ(network_manager.closeAll(), 0);
+  EXPECT_EQ(network_manager.getNumConnections(), 1);
 }
 
 TEST_F(NetworkManagerTest, AFailedReadIsAnErrorNotAMessageOfNoBytes) {

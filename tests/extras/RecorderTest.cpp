@@ -178,6 +178,7 @@ TEST_F(RecorderTest, BadRecordingsAreRefusedWithTheirReason) {
       {header + "3 press:D\n", "line 7: the recording is cut short (no end line)"},
       {header + "3 jump:D\nend 9\n", "line 7: unknown event 'jump:D'"},
       {header + "3 click:left@nan,1\nend 9\n", "unknown event 'click:left@nan,1'"},
+      {header + "3 world:0123456789abcdef0/2\nend 9\n", "unknown event 'world:0123456789abcdef0/2'"},
       {header + "3 press:D\n2 press:D\nend 9\n", "line 8: steps out of order"},
       {header + "5-3 press:D\nend 9\n", "line 7: '5-3' is not a step"},
       {header + "3\nend 9\n", "line 7: a step with nothing in it"},

@@ -167,19 +167,4 @@ TEST(TerminalInputTest, OverlongSequenceIsDroppedAtSixtyFourBytes) {
   EXPECT_EQ(feed(input, CSI + "D"), Events{key(K::LEFTARROW)});
 }
 
-TEST(TerminalInputTest, ToStringAndEquality) {
-  EXPECT_EQ(toString(press(K::C)), "key " + std::to_string(K::C) + " press");
-  EXPECT_EQ(toString(mouse(vt::CLICKED, vt::Mouse::LEFT, 4, 7)), "mouse clicked 0 at 4,7");
-  EXPECT_EQ(toString(QUIT), "quit");
-  EXPECT_FALSE(press(K::C) == key(K::C));
-  EXPECT_FALSE(ofType(TerminalEvent::QUIT) == TerminalEvent());
-  for (int TerminalEvent::*field :
-       {&TerminalEvent::key, &TerminalEvent::action, &TerminalEvent::button, &TerminalEvent::column,
-        &TerminalEvent::row, &TerminalEvent::flags}) {
-    TerminalEvent changed;
-    changed.*field = 5;
-    EXPECT_FALSE(changed == TerminalEvent()) << toString(changed);
-  }
-}
-
 }  // namespace

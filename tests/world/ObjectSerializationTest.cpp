@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 
+#include "media/Shape.h"
 #include "support/HeadlessEngine.h"
 #include "world/Object.h"
 #include "world/WorldManager.h"
@@ -43,6 +45,39 @@ TEST(ObjectSerialization, WritesEveryGroupOnceThenOnlyWhatChangedOrWasNamed) {
   EXPECT_EQ(p_object->serialize("SPEED,POSITION,"), "pos-x:3.25,pos-y:-4,speed:3,");
   EXPECT_EQ(p_object->serialize("ID,ALTITUDE"), "id:" + id + ",");
   EXPECT_EQ(p_object->serialize(), "altitude:3,");
+}
+
+// Each setter marks its own group, and the setters that report a result
+// report success: the next serialize writes that group alone.
+TEST(ObjectSerialization, EachSetterMarksItsOwnGroup) {
+  test::HeadlessEngine engine;
+  vt::Shape square;
+  square.setType(vt::SQUARE);
+  const std::pair<std::function<int(Object&)>, std::string> SETTERS[] = {
+      {[](Object& o) { return o.setType("Ship"); }, "type:Ship,"},
+      {[](Object& o) { return o.setActive(false); }, "is_active:false,"},
+      {[](Object& o) { return o.setVisible(false); }, "is_visible:false,"},
+      {[](Object& o) { return o.setSolidness(vt::SOFT); }, "solidness:1,"},
+      {[](Object& o) { return o.setNoSoft(); }, "no_soft:true,"},
+      {[](Object& o) { return o.setAvoidCollisions(); }, "avoid_collisions:true,"},
+      {[](Object& o) { return o.setBox(vt::Box(Vector(), 2, 3)); },
+       "box-corner-x:0,box-corner-y:0,box-horizontal:2,box-vertical:3,"},
+      // A new speed marks the direction's group, not its own.
+      {[](Object& o) { return o.setSpeed(2), 0; }, "x_direction:0,y_direction:0,"},
+      {[](Object& o) { return o.setAcceleration(Vector(1, 0)), 0; },
+       "x_acceleration:1,y_acceleration:0,"},
+      {[&square](Object& o) { return o.setShape(square), 0; },
+       "shape:1,size:1,color:White,opacity:255,"},
+      {[](Object& o) { return o.setFollowPath(), 0; }, "follow_path:true,"},
+      // The same value again changes nothing, and is no failure.
+      {[](Object& o) { return o.setActive(true) + o.setVisible(true) + o.setNoSoft(false); }, ""},
+  };
+  for (const auto& [set, written] : SETTERS) {
+    auto* p_object = new Object;
+    p_object->serialize();
+    EXPECT_EQ(set(*p_object), 0) << written;
+    EXPECT_EQ(p_object->serialize(), written);
+  }
 }
 
 TEST(ObjectSerialization, ACopyMadeFromTheTextMatchesTheOriginal) {
