@@ -32,8 +32,8 @@ ctest --output-on-failure
 # again and again, as a terminal repeats a held key) moves it, Q ends the
 # game, and the terminal has its modes back.
 session="starter-$$"
-tmux_() { tmux -L vantor-tests "$@"; }
-trap 'tmux_ kill-session -t "$session" 2>/dev/null; rm -rf "$work"' EXIT
+tmux_() { tmux -L "$session" "$@"; }
+trap 'tmux_ kill-server 2>/dev/null; rm -rf "$work"' EXIT
 tmux_ new-session -d -s "$session" -x 80 -y 24 \
   "sh -c 'VANTOR_DISPLAY=terminal ./starter; echo \$? > status; sleep 600'"
 player_column() {

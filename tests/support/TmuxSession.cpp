@@ -20,25 +20,36 @@ std::string quoted(const std::string& text) {
   return quoted_text + "'";
 }
 
+int sessions_started = 0;
+
 }  // namespace
 
+// Each session has a tmux server of its own, named like it: a session
+// ending never takes another one's server down.
 TmuxSession::TmuxSession(const std::string& command, int columns, int rows)
-    : name("vt-test-" + std::to_string(getpid())), folder(makeTempDir()) {
+    : name("vt-test-" + std::to_string(getpid()) + "-" + std::to_string(sessions_started++)),
+      folder(makeTempDir()) {
   const std::string script = command + "; echo $? > " + folder + "/status; sleep 600";
-  running = std::system(("tmux -L vantor-tests new-session -d -s " + name + " -x " +
-                         std::to_string(columns) + " -y " + std::to_string(rows) + " " +
-                         quoted("sh -c " + quoted(script)))
-                            .c_str()) == 0;
+  running = succeeds("new-session -d -s " + name + " -x " + std::to_string(columns) + " -y " +
+                     std::to_string(rows) + " " + quoted("sh -c " + quoted(script)));
 }
 
 TmuxSession::~TmuxSession() {
-  run("kill-session -t " + name);
+  succeeds("kill-server");
   std::filesystem::remove_all(folder);
 }
 
-std::string TmuxSession::run(const std::string& tmux_arguments) const {
+std::string TmuxSession::tmux(const std::string& arguments) const {
+  return "tmux -L " + name + " " + arguments + " 2>/dev/null";
+}
+
+bool TmuxSession::succeeds(const std::string& arguments) const {
+  return std::system(tmux(arguments).c_str()) == 0;
+}
+
+std::string TmuxSession::run(const std::string& arguments) const {
   std::string output;
-  FILE* p_pipe = popen(("tmux -L vantor-tests " + tmux_arguments + " 2>/dev/null").c_str(), "r");
+  FILE* p_pipe = popen(tmux(arguments).c_str(), "r");
   if (p_pipe == nullptr) return output;
   char buffer[4096];
   std::size_t count = 0;
@@ -48,15 +59,12 @@ std::string TmuxSession::run(const std::string& tmux_arguments) const {
 }
 
 bool TmuxSession::sendKeys(const std::string& keys, bool literal) const {
-  const std::string command =
-      "tmux -L vantor-tests send-keys -t " + name + (literal ? " -l " + quoted(keys) : " " + keys);
-  return std::system(command.c_str()) == 0;
+  return succeeds("send-keys -t " + name + (literal ? " -l " + quoted(keys) : " " + keys));
 }
 
 bool TmuxSession::resize(int columns, int rows) const {
-  return std::system(("tmux -L vantor-tests resize-window -t " + name + " -x " +
-                      std::to_string(columns) + " -y " + std::to_string(rows))
-                         .c_str()) == 0;
+  return succeeds("resize-window -t " + name + " -x " + std::to_string(columns) + " -y " +
+                  std::to_string(rows));
 }
 
 std::vector<std::string> TmuxSession::screenText() const {

@@ -39,7 +39,11 @@ class TmuxSession {
   bool shows(const std::string& words) const;
 
  private:
-  std::string run(const std::string& tmux_arguments) const;
+  // The tmux command line for the arguments, on this session's server.
+  std::string tmux(const std::string& arguments) const;
+  bool succeeds(const std::string& arguments) const;
+  // The command's standard output.
+  std::string run(const std::string& arguments) const;
 
   std::string name;
   std::string folder;
