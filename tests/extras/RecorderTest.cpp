@@ -178,7 +178,8 @@ TEST_F(RecorderTest, BadRecordingsAreRefusedWithTheirReason) {
       {header + "3 press:D\n", "line 7: the recording is cut short (no end line)"},
       {header + "3 jump:D\nend 9\n", "line 7: unknown event 'jump:D'"},
       {header + "3 click:left@nan,1\nend 9\n", "unknown event 'click:left@nan,1'"},
-      {header + "3 world:0123456789abcdef0/2\nend 9\n", "unknown event 'world:0123456789abcdef0/2'"},
+      {header + "3 world:0123456789abcdef0/2\nend 9\n",
+       "unknown event 'world:0123456789abcdef0/2'"},
       {header + "3 press:D\n2 press:D\nend 9\n", "line 8: steps out of order"},
       {header + "5-3 press:D\nend 9\n", "line 7: '5-3' is not a step"},
       {header + "3\nend 9\n", "line 7: a step with nothing in it"},
@@ -239,6 +240,16 @@ TEST_F(RecorderTest, GoldenFramesShowEachCellAndNameWhatDiffers) {
   }
   EXPECT_NE(test::readFile(golden + ".diff").find("row 10, column 13"), std::string::npos);
   EXPECT_EQ(differences.find("row 10, column 11: Yellow"), std::string::npos);
+  // Headless and not capturing, drawing reports that nothing was drawn.
+  vt::DisplayManager& display = vt::DisplayManager::getInstance();
+  display.setCapture(false);
+  EXPECT_EQ(display.drawCh(Vector(1, 1), 'x', vt::RED) + display.drawLine(Vector(), Vector(3, 0)) +
+                display.drawString(Vector(), "x", vt::LEFT_JUSTIFIED, vt::RED),
+            -3);
+  display.setCapture(true);
+  EXPECT_EQ(display.drawCh(Vector(1, 1), 'x', vt::RED) + display.drawLine(Vector(), Vector(3, 0)),
+            -1)
+      << "a line is pixels, not cells";
 }
 
 }  // namespace

@@ -80,26 +80,31 @@ TEST(SceneGraph, ListsFollowTheObjectsAttributes) {
   vt::SceneGraph& graph = vt::WorldManager::getInstance().getSceneGraph();
   auto* p = new vt::Object;
   p->setType("ship");
+  // Each change, its result, and the lists the object is in after it.
   const struct {
-    std::function<void()> change;
+    std::function<int()> change;
+    int result;
     bool active, solid, visible_at_2, visible_at_4, ship;
   } steps[] = {
-      {[] {}, true, true, true, false, true},
-      {[&] { p->setSolidness(vt::SPECTRAL); }, true, false, true, false, true},
-      {[&] { p->setSolidness(vt::SOFT); }, true, true, true, false, true},
-      {[&] { p->setAltitude(0); }, true, true, false, false, true},
-      {[&] { p->setAltitude(4); }, true, true, false, true, true},
-      {[&] { p->setVisible(false); }, true, true, false, false, true},
-      {[&] { p->setVisible(true); }, true, true, false, true, true},
-      {[&] { p->setActive(false); }, false, false, false, false, false},
-      {[&] { p->setSolidness(vt::SPECTRAL); }, false, false, false, false, false},
-      {[&] { p->setActive(true); }, true, false, false, true, true},
-      {[&] { p->setSolidness(vt::HARD); }, true, true, false, true, true},
+      {[] { return 0; }, 0, true, true, true, false, true},
+      {[&] { return p->setSolidness(vt::SPECTRAL); }, 0, true, false, true, false, true},
+      {[&] { return p->setSolidness(vt::SOFT); }, 0, true, true, true, false, true},
+      {[&] { return p->setSolidness(static_cast<vt::Solidness>(7)); }, -1, true, true, true, false,
+       true},
+      {[&] { return p->setAltitude(0); }, 0, true, true, false, false, true},
+      {[&] { return p->setAltitude(4); }, 0, true, true, false, true, true},
+      {[&] { return p->setAltitude(5); }, -1, true, true, false, true, true},
+      {[&] { return p->setVisible(false); }, 0, true, true, false, false, true},
+      {[&] { return p->setVisible(true); }, 0, true, true, false, true, true},
+      {[&] { return p->setActive(false); }, 0, false, false, false, false, false},
+      {[&] { return p->setSolidness(vt::SPECTRAL); }, 0, false, false, false, false, false},
+      {[&] { return p->setActive(true); }, 0, true, false, false, true, true},
+      {[&] { return p->setSolidness(vt::HARD); }, 0, true, true, false, true, true},
   };
   int index = 0;
   for (const auto& step : steps) {
     SCOPED_TRACE(index++);
-    step.change();
+    EXPECT_EQ(step.change(), step.result);
     EXPECT_EQ(graph.activeObjects().contains(p), step.active);
     EXPECT_EQ(graph.inactiveObjects().contains(p), !step.active);
     EXPECT_EQ(graph.solidObjects().contains(p), step.solid);
