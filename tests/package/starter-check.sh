@@ -40,7 +40,7 @@ player_column() {
   tmux_ capture-pane -p -t "$session" | grep -o '^.*<[oO]>' | head -1 | awk '{ print length($0) - 3 }'
 }
 wait_for() {
-  for _ in $(seq 200); do
+  for _ in $(seq 600); do
     if eval "$1"; then return 0; fi
     sleep 0.05
   done
@@ -50,8 +50,8 @@ wait_for() {
 }
 wait_for '[ -n "$(player_column)" ]' "the player on the screen"
 start=$(player_column)
-for _ in $(seq 20); do tmux_ send-keys -t "$session" d; sleep 0.03; done
-wait_for '[ "$(player_column)" -gt "$start" ]' "the player moving right from column $start"
+wait_for 'tmux_ send-keys -t "$session" d; [ "$(player_column)" -gt "$start" ]' \
+  "the player moving right from column $start"
 tmux_ send-keys -t "$session" q
 wait_for '[ -s status ]' "the game ending at Q"
 [ "$(cat status)" = 0 ] || { echo "the starter ended with status $(cat status)" >&2; exit 1; }
