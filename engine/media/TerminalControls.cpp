@@ -57,23 +57,24 @@ void TerminalControls::release(int key) {
   step_input.push_back({InputRecord::KEY, KEY_RELEASED, key, Vector()});
 }
 
-void TerminalControls::releaseSilentKeys(long now_ms) {
+template <typename Condition>
+void TerminalControls::releaseTypedKeysWhere(Condition condition) {
   for (auto held = held_keys.begin(); held != held_keys.end();) {
-    const HeldKey& key = held->second;
-    const long wait = key.repeating ? REPEAT_GAP_MS : FIRST_REPEAT_WAIT_MS;
     const int code = held->first;
+    const bool due = !held->second.reported && condition(held->second);
     ++held;
-    if (!key.reported && now_ms - key.last_ms > wait) release(code);
+    if (due) release(code);
   }
 }
 
+void TerminalControls::releaseSilentKeys(long now_ms) {
+  releaseTypedKeysWhere([now_ms](const HeldKey& key) {
+    return now_ms - key.last_ms > (key.repeating ? REPEAT_GAP_MS : FIRST_REPEAT_WAIT_MS);
+  });
+}
+
 void TerminalControls::releaseTypedKeys() {
-  for (auto held = held_keys.begin(); held != held_keys.end();) {
-    const int code = held->first;
-    const bool reported = held->second.reported;
-    ++held;
-    if (!reported) release(code);
-  }
+  releaseTypedKeysWhere([](const HeldKey&) { return true; });
 }
 
 std::vector<InputRecord> TerminalControls::takeEvents(long now_ms) {

@@ -50,6 +50,9 @@ class TerminalControls {
   void takeMouse(const TerminalEvent& event);
   void press(int key, const HeldKey& held);
   void release(int key);
+  // Releases the keys typed without the protocol that meet the condition.
+  template <typename Condition>
+  void releaseTypedKeysWhere(Condition condition);
   void releaseSilentKeys(long now_ms);
   void releaseTypedKeys();
 
