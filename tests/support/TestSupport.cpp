@@ -40,8 +40,8 @@ class XvfbServer {
       dup2(null_fd, STDOUT_FILENO);
       dup2(null_fd, STDERR_FILENO);
       prctl(PR_SET_PDEATHSIG, SIGTERM);
-      execlp("Xvfb", "Xvfb", "-displayfd", fd_text.c_str(), "-screen", "0", screen,
-             "-nolisten", "tcp", "-noreset", nullptr);
+      execlp("Xvfb", "Xvfb", "-displayfd", fd_text.c_str(), "-screen", "0", screen, "-nolisten",
+             "tcp", "-noreset", nullptr);
       _exit(127);
     }
     close(fds[1]);
