@@ -162,6 +162,7 @@ TEST_F(RecorderTest, BadRecordingsAreRefusedWithTheirReason) {
     ASSERT_EQ(harness.startUp(), 0);
     ASSERT_EQ(harness.record(folder + "/other.vrec"), 0);
     EXPECT_EQ(harness.replay(recording), -1);
+    EXPECT_EQ(harness.record(folder + "/third.vrec"), -1);
     EXPECT_TRUE(
         harness.logContains("Recorder::startReplay(): Error! A recording is already under way."));
   }

@@ -157,6 +157,8 @@ TEST(TerminalPlay, TheShooterIsPlayedInATerminalShowingTheFramesTheEngineDrew) {
       << "the pause waited for the key a second and more";
   const std::string recorded = test::readFile(recording);
   EXPECT_NE(recorded.find("move@40,5"), std::string::npos) << recorded;
+  EXPECT_EQ(recorded.find("press:X"), std::string::npos)
+      << "the key that ends the pause is its own";
   EXPECT_NE(recorded.find("click:left@40,5 hold:left@40,5"), std::string::npos);
 
   ASSERT_EQ(chdir(VANTOR_GAME_DIR), 0);

@@ -1,5 +1,6 @@
 // A game that runs in a terminal until it is told to end: by Q, by itself
-// ("end"), by an exception ("throw"), or by a signal from outside. It shows
+// ("end"), by an exception ("throw"), or by a signal from outside, even
+// stuck in a step ("hang"). It shows
 // its step count and writes its process id into the file named second.
 #include <unistd.h>
 
@@ -34,6 +35,8 @@ class Probe : public vt::Object {
     if (++steps < LAST_STEP) return 1;
     if (ending == "end") vt::GameManager::getInstance().setGameOver();
     if (ending == "throw") throw std::runtime_error("the probe throws");
+    // A game stuck in a step: only a second interrupt ends it.
+    while (ending == "hang") pause();
     return 1;
   }
 
