@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <iterator>
 
 #include "core/LogManager.h"
 #include "media/TerminalInput.h"
@@ -46,8 +47,8 @@ char restore_bytes[64];
 std::size_t restore_length = 0;
 volatile std::sig_atomic_t quit_requested = 0;
 volatile std::sig_atomic_t resized = 0;
-struct sigaction saved_quit_actions[3];
-struct sigaction saved_crash_actions[5];
+struct sigaction saved_quit_actions[std::size(QUIT_SIGNALS)];
+struct sigaction saved_crash_actions[std::size(CRASH_SIGNALS)];
 struct sigaction saved_resize_action;
 std::terminate_handler saved_terminate = nullptr;
 bool exit_hook_registered = false;
@@ -194,10 +195,10 @@ void Terminal::close() {
 void Terminal::installHandlers() {
   quit_requested = 0;
   resized = 0;
-  for (std::size_t i = 0; i < 3; i++) {
+  for (std::size_t i = 0; i < std::size(QUIT_SIGNALS); i++) {
     setHandler(QUIT_SIGNALS[i], onQuitSignal, &saved_quit_actions[i]);
   }
-  for (std::size_t i = 0; i < 5; i++) {
+  for (std::size_t i = 0; i < std::size(CRASH_SIGNALS); i++) {
     setHandler(CRASH_SIGNALS[i], onCrashSignal, &saved_crash_actions[i]);
   }
   setHandler(SIGWINCH, onResize, &saved_resize_action);
@@ -206,8 +207,12 @@ void Terminal::installHandlers() {
 }
 
 void Terminal::restoreHandlers() {
-  for (std::size_t i = 0; i < 3; i++) sigaction(QUIT_SIGNALS[i], &saved_quit_actions[i], nullptr);
-  for (std::size_t i = 0; i < 5; i++) sigaction(CRASH_SIGNALS[i], &saved_crash_actions[i], nullptr);
+  for (std::size_t i = 0; i < std::size(QUIT_SIGNALS); i++) {
+    sigaction(QUIT_SIGNALS[i], &saved_quit_actions[i], nullptr);
+  }
+  for (std::size_t i = 0; i < std::size(CRASH_SIGNALS); i++) {
+    sigaction(CRASH_SIGNALS[i], &saved_crash_actions[i], nullptr);
+  }
   sigaction(SIGWINCH, &saved_resize_action, nullptr);
   std::set_terminate(saved_terminate);
 }
