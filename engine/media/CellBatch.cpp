@@ -1,14 +1,14 @@
 #include "media/CellBatch.h"
 
 #include <cmath>
+#include <cstring>
 
 namespace vt {
 
 namespace {
 
-// A quad is two triangles; a cell is a background quad and a glyph quad.
-const std::size_t VERTICES_PER_QUAD = 6;
-const std::size_t VERTICES_PER_CELL = 2 * VERTICES_PER_QUAD;
+// A cell is a background quad and a glyph quad.
+const std::size_t QUADS_PER_CELL = 2;
 
 // Mesa's software renderer (llvmpipe) spends more on one long draw than on
 // the same triangles in runs of a few hundred vertices: a full screen took
@@ -20,28 +20,48 @@ const std::size_t VERTICES_PER_DRAW = 384;
 // middle gives plain colour for the cell backgrounds.
 const Edges WHITE_TEXEL = {1.0f, 1.0f, 1.0f, 1.0f};
 
-int clampedIndex(float position, float bucket_size, int count) {
-  const float index = std::floor(position / bucket_size);
+int clampedIndex(float position, float tile_size, int count) {
+  const float index = std::floor(position / tile_size);
   if (std::isnan(index)) return 0;
   return static_cast<int>(std::clamp(index, 0.0f, static_cast<float>(count - 1)));
 }
 
-}  // namespace
-
-// Calls visit with every bucket the rectangle touches; parts beyond the
-// window count towards the buckets at its edge.
-template <typename Visit>
-void CellBatch::forEachBucket(const Edges& rect, Visit visit) {
-  const int first_column = clampedIndex(rect.left, cell_size.x, columns);
-  const int last_column = clampedIndex(rect.right, cell_size.x, columns);
-  const int first_row = clampedIndex(rect.top, cell_size.y, rows);
-  const int last_row = clampedIndex(rect.bottom, cell_size.y, rows);
-  for (int row = first_row; row <= last_row; row++) {
-    for (int column = first_column; column <= last_column; column++) {
-      visit(buckets[static_cast<std::size_t>(row * columns + column)]);
-    }
-  }
+std::uint64_t mixed(std::uint64_t hash, std::uint64_t value) {
+  hash ^= value + 0x9e3779b97f4a7c15ULL + (hash << 6) + (hash >> 2);
+  return hash * 0xff51afd7ed558ccdULL;
 }
+
+std::uint64_t bitsOf(float value) {
+  std::uint32_t bits = 0;
+  static_assert(sizeof(bits) == sizeof(value));
+  std::memcpy(&bits, &value, sizeof(bits));
+  return bits;
+}
+
+std::uint64_t pairOf(float first, float second) {
+  return bitsOf(first) << 32 | bitsOf(second);
+}
+
+// Everything that decides what a cell's background or glyph paints: its
+// corners, its texture's corners and its colour.
+std::uint64_t paintHash(const Edges& quad, const Edges& tex, sf::Color color) {
+  std::uint64_t hash = mixed(pairOf(quad.left, quad.top), pairOf(quad.right, quad.bottom));
+  hash = mixed(hash, pairOf(tex.left, tex.top));
+  hash = mixed(hash, pairOf(tex.right, tex.bottom));
+  return mixed(hash, color.toInteger());
+}
+
+// The texture edges of the part of the quad that is cut out, by the same
+// proportions as the quad's own.
+Edges cutTexture(const Edges& quad, const Edges& tex, const Edges& cut) {
+  const float scale_x = (tex.right - tex.left) / (quad.right - quad.left);
+  const float scale_y = (tex.bottom - tex.top) / (quad.bottom - quad.top);
+  return {tex.left + (cut.left - quad.left) * scale_x, tex.top + (cut.top - quad.top) * scale_y,
+          tex.left + (cut.right - quad.left) * scale_x,
+          tex.top + (cut.bottom - quad.top) * scale_y};
+}
+
+}  // namespace
 
 void Edges::subtract(const Edges& cover, std::vector<Edges>& rest) const {
   const Edges inside = intersection(cover);
@@ -61,12 +81,48 @@ CellBatch::CellBatch(sf::Vector2f cell_size, int columns, int rows)
       rows(std::max(rows, 1)),
       window({0.0f, 0.0f, cell_size.x * static_cast<float>(this->columns),
               cell_size.y * static_cast<float>(this->rows)}),
-      buckets(static_cast<std::size_t>(this->columns * this->rows)) {
-  vertices.reserve(buckets.size() * VERTICES_PER_CELL);
+      glyphs_in_tile(static_cast<std::size_t>(this->columns * this->rows)),
+      tile_hashes(glyphs_in_tile.size()),
+      changed_tiles(glyphs_in_tile.size()) {
+  quads.reserve(glyphs_in_tile.size() * QUADS_PER_CELL);
+}
+
+Edges CellBatch::tileEdges(int column, int row) const {
+  return {cell_size.x * static_cast<float>(column), cell_size.y * static_cast<float>(row),
+          cell_size.x * static_cast<float>(column + 1), cell_size.y * static_cast<float>(row + 1)};
+}
+
+// Calls visit with the index and edges of every tile that shares pixels
+// with the rectangle.
+template <typename Visit>
+void CellBatch::forEachTile(const Edges& rect, Visit visit) const {
+  const int first_column = clampedIndex(rect.left, cell_size.x, columns);
+  const int last_column = clampedIndex(rect.right, cell_size.x, columns);
+  const int first_row = clampedIndex(rect.top, cell_size.y, rows);
+  const int last_row = clampedIndex(rect.bottom, cell_size.y, rows);
+  for (int row = first_row; row <= last_row; row++) {
+    for (int column = first_column; column <= last_column; column++) {
+      const Edges tile = tileEdges(column, row);
+      if (tile.intersection(rect).isEmpty()) continue;
+      visit(static_cast<std::size_t>(row * columns + column), tile);
+    }
+  }
+}
+
+void CellBatch::startFrame(sf::Color new_clear_color) {
+  forget();
+  clear_color = new_clear_color;
+  cleared = false;
+  plain_background = true;
+  whole_frame = !kept_pixels;
 }
 
 void CellBatch::addBackground(const Edges& cell, sf::Color color) {
   if (isOffScreen(cell)) return;
+  if (kept_pixels) hashIntoTiles(cell, paintHash(cell, WHITE_TEXEL, color));
+  // A background of another colour covers glyphs the overlaps do not know
+  // of: from there on backgrounds are drawn whole.
+  if (color != clear_color) plain_background = false;
   if (plain_background) {
     addOverlaps(cell, color);
   } else {
@@ -76,27 +132,128 @@ void CellBatch::addBackground(const Edges& cell, sf::Color color) {
 
 void CellBatch::addGlyph(const Edges& quad, const Edges& tex, sf::Color color) {
   if (isOffScreen(quad)) return;
-  const std::size_t index = glyph_pieces.size();
-  glyph_quads.push_back({vertices.size()});
+  const std::size_t index = glyph_count++;
+  if (index == glyphs.size()) glyphs.emplace_back();
+  Glyph& glyph = glyphs[index];
+  glyph.pieces.assign(1, quad);
+  glyph.quads.assign(1, quads.size());
+  glyph.stamp = 0;
   addQuad(quad, tex, color);
-  glyph_pieces.push_back({quad});
-  glyph_stamps.push_back(0);
-  forEachBucket(quad, [&](std::vector<std::size_t>& bucket) { bucket.push_back(index); });
+  const std::uint64_t hash = kept_pixels ? paintHash(quad, tex, color) : 0;
+  forEachTile(quad, [&](std::size_t tile, const Edges&) {
+    glyphs_in_tile[tile].push_back(index);
+    if (kept_pixels) tile_hashes[tile] = mixed(tile_hashes[tile], hash);
+  });
 }
 
-void CellBatch::draw(sf::RenderTarget& target, const sf::Texture& texture) {
+void CellBatch::drawBeforeOther(sf::RenderTarget& target, const sf::Texture& texture) {
+  drawWhole(target, texture);
+  forget();
+  // What the other drawing puts into the window is not known here.
+  plain_background = false;
+  whole_frame = true;
+}
+
+void CellBatch::finishFrame(sf::RenderTarget& target, const sf::Texture& texture) {
+  const bool compare = !whole_frame && last_tiles_known && clear_color == last_clear_color;
+  // Where most tiles changed, cutting quads to them costs more than drawing
+  // the whole frame.
+  if (compare && markChangedTiles() * 2 <= changed_tiles.size()) {
+    drawChangedTiles(target, texture);
+  } else {
+    drawWhole(target, texture);
+  }
+  last_tiles_known = !whole_frame;
+  last_clear_color = clear_color;
+  last_tile_hashes.swap(tile_hashes);
+}
+
+void CellBatch::clearIfNeeded(sf::RenderTarget& target) {
+  if (cleared) return;
+  target.clear(clear_color);
+  cleared = true;
+}
+
+void CellBatch::drawWhole(sf::RenderTarget& target, const sf::Texture& texture) {
+  clearIfNeeded(target);
+  vertices.clear();
+  for (const Quad& quad : quads) {
+    if (!quad.rect.isEmpty()) addVertices(quad.rect, quad.tex, quad.color);
+  }
+  drawVertices(target, texture);
+}
+
+// Each tile's hash sums up what was painted into it, in order: a tile
+// whose hash is the last frame's shows the same pixels.
+void CellBatch::hashIntoTiles(const Edges& rect, std::uint64_t hash) {
+  forEachTile(rect, [&](std::size_t tile, const Edges&) {
+    tile_hashes[tile] = mixed(tile_hashes[tile], hash);
+  });
+}
+
+std::size_t CellBatch::markChangedTiles() {
+  std::size_t count = 0;
+  for (std::size_t tile = 0; tile < tile_hashes.size(); tile++) {
+    changed_tiles[tile] = tile_hashes[tile] != last_tile_hashes[tile];
+    count += changed_tiles[tile];
+  }
+  return count;
+}
+
+void CellBatch::drawChangedTiles(sf::RenderTarget& target, const sf::Texture& texture) {
+  vertices.clear();
+  for (std::size_t tile = 0; tile < changed_tiles.size(); tile++) {
+    if (!changed_tiles[tile]) continue;
+    const int column = static_cast<int>(tile) % columns;
+    const int row = static_cast<int>(tile) / columns;
+    addVertices(tileEdges(column, row), WHITE_TEXEL, clear_color);
+  }
+  for (const Quad& quad : quads) {
+    if (!quad.rect.isEmpty()) addChangedParts(quad);
+  }
+  drawVertices(target, texture);
+}
+
+void CellBatch::addChangedParts(const Quad& quad) {
+  runs.clear();
+  bool all_changed = true;
+  forEachTile(quad.rect, [&](std::size_t tile, const Edges& edges) {
+    if (!changed_tiles[tile]) {
+      all_changed = false;
+      return;
+    }
+    const bool extends_run =
+        !runs.empty() && runs.back().right == edges.left && runs.back().top == edges.top;
+    if (extends_run) {
+      runs.back().right = edges.right;
+    } else {
+      runs.push_back(edges);
+    }
+  });
+  if (all_changed) {
+    addVertices(quad.rect, quad.tex, quad.color);
+    return;
+  }
+  for (const Edges& run : runs) {
+    const Edges cut = quad.rect.intersection(run);
+    addVertices(cut, cutTexture(quad.rect, quad.tex, cut), quad.color);
+  }
+}
+
+void CellBatch::drawVertices(sf::RenderTarget& target, const sf::Texture& texture) {
   const sf::RenderStates states(&texture);
   for (std::size_t first = 0; first < vertices.size(); first += VERTICES_PER_DRAW) {
     const std::size_t count = std::min(VERTICES_PER_DRAW, vertices.size() - first);
     target.draw(vertices.data() + first, count, sf::Triangles, states);
   }
-  vertices.clear();
-  glyph_pieces.clear();
-  glyph_stamps.clear();
-  glyph_quads.clear();
+}
+
+void CellBatch::forget() {
+  quads.clear();
+  tile_hashes.assign(glyphs_in_tile.size(), 0);
+  glyph_count = 0;
   stamp = 0;
-  for (std::vector<std::size_t>& bucket : buckets) bucket.clear();
-  plain_background = false;
+  for (std::vector<std::size_t>& tile : glyphs_in_tile) tile.clear();
 }
 
 // The parts of the cell that earlier glyphs cover, each glyph once. What
@@ -106,49 +263,64 @@ void CellBatch::draw(sf::RenderTarget& target, const sf::Texture& texture) {
 // that painted it: the plain background shows there either way.
 void CellBatch::addOverlaps(const Edges& cell, sf::Color color) {
   stamp++;
-  forEachBucket(cell, [&](std::vector<std::size_t>& bucket) {
-    for (std::size_t index : bucket) {
-      if (glyph_stamps[index] == stamp) continue;
-      glyph_stamps[index] = stamp;
-      std::vector<Edges>& pieces = glyph_pieces[index];
+  forEachTile(cell, [&](std::size_t tile, const Edges&) {
+    std::vector<std::size_t>& indices = glyphs_in_tile[tile];
+    for (std::size_t index : indices) {
+      Glyph& glyph = glyphs[index];
+      if (glyph.stamp == stamp) continue;
+      glyph.stamp = stamp;
       unpainted.clear();
-      for (const Edges& piece : pieces) {
+      for (const Edges& piece : glyph.pieces) {
         const Edges overlap = cell.intersection(piece);
         if (!overlap.isEmpty()) {
-          glyph_quads[index].push_back(vertices.size());
+          glyph.quads.push_back(quads.size());
           addQuad(overlap, WHITE_TEXEL, color);
         }
         piece.subtract(cell, unpainted);
       }
-      pieces.swap(unpainted);
-      if (pieces.empty()) dropQuads(glyph_quads[index]);
+      glyph.pieces.swap(unpainted);
+      if (glyph.pieces.empty()) dropQuads(glyph.quads);
     }
-    // Glyphs painted over whole leave the bucket, so that a cell drawn
-    // over many times is not walked over all its past glyphs each time.
-    bucket.erase(std::remove_if(bucket.begin(), bucket.end(),
-                                [&](std::size_t index) { return glyph_pieces[index].empty(); }),
-                 bucket.end());
+    // Glyphs painted over whole leave the tile, so that a cell drawn over
+    // many times is not walked over all its past glyphs each time.
+    indices.erase(std::remove_if(indices.begin(), indices.end(),
+                                 [&](std::size_t index) { return glyphs[index].pieces.empty(); }),
+                  indices.end());
   });
 }
 
-// Collapses each quad to a point, which draws nothing.
-void CellBatch::dropQuads(std::vector<std::size_t>& starts) {
-  for (const std::size_t start : starts) {
-    for (std::size_t i = start + 1; i < start + VERTICES_PER_QUAD; i++) {
-      vertices[i].position = vertices[start].position;
-    }
+// A quad painted over whole is emptied: it draws nothing.
+void CellBatch::dropQuads(std::vector<std::size_t>& indices) {
+  for (const std::size_t index : indices) {
+    Edges& rect = quads[index].rect;
+    rect.right = rect.left;
   }
-  starts.clear();
+  indices.clear();
 }
 
-// Two triangles, in the order sf::Text builds a glyph.
-void CellBatch::addQuad(const Edges& quad, const Edges& tex, sf::Color color) {
-  const sf::Vertex top_left({quad.left, quad.top}, color, {tex.left, tex.top});
-  const sf::Vertex top_right({quad.right, quad.top}, color, {tex.right, tex.top});
-  const sf::Vertex bottom_left({quad.left, quad.bottom}, color, {tex.left, tex.bottom});
-  const sf::Vertex bottom_right({quad.right, quad.bottom}, color, {tex.right, tex.bottom});
-  vertices.insert(vertices.end(),
-                  {top_left, top_right, bottom_left, bottom_left, top_right, bottom_right});
+void CellBatch::addQuad(const Edges& rect, const Edges& tex, sf::Color color) {
+  quads.push_back({rect, tex, color});
+}
+
+// Two triangles, in the order sf::Text builds a glyph. The vertices are
+// copied from one whose fields are set here: sf::Vertex's constructors are
+// calls into SFML's library, costly at tens of thousands of quads a frame.
+void CellBatch::addVertices(const Edges& rect, const Edges& tex, sf::Color color) {
+  sf::Vertex corner;
+  corner.color = color;
+  const auto add = [&](float x, float y, float tex_x, float tex_y) {
+    corner.position.x = x;
+    corner.position.y = y;
+    corner.texCoords.x = tex_x;
+    corner.texCoords.y = tex_y;
+    vertices.push_back(corner);
+  };
+  add(rect.left, rect.top, tex.left, tex.top);
+  add(rect.right, rect.top, tex.right, tex.top);
+  add(rect.left, rect.bottom, tex.left, tex.bottom);
+  add(rect.left, rect.bottom, tex.left, tex.bottom);
+  add(rect.right, rect.top, tex.right, tex.top);
+  add(rect.right, rect.bottom, tex.right, tex.bottom);
 }
 
 }  // namespace vt

@@ -5,6 +5,7 @@
 #include <SFML/Graphics/Vertex.hpp>
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace vt {
@@ -27,52 +28,96 @@ struct Edges {
   void subtract(const Edges& cover, std::vector<Edges>& rest) const;
 };
 
-// The characters drawn since the last flush, as one list of triangles over
-// the font's page texture in call order: each cell's background, then its
-// glyph. While the window shows only the background colour apart from this
-// batch's glyphs (right after a clear), a background changes pixels only
-// where earlier glyphs reach into its cell, so only those overlaps are drawn:
-// the picture is the same with far fewer pixels filled. Glyphs are found
-// through a grid of cell-sized buckets. Quads that reach no pixel of the
-// window are left out.
+// The characters of one frame, as one list of triangles over the font's
+// page texture in call order: each cell's background, then its glyph.
+//
+// On a cleared window a background in the clear colour changes pixels only
+// where earlier glyphs reach into its cell, so only those overlaps are
+// drawn: the picture is the same with far fewer pixels filled. Glyphs are
+// found through a grid of cell-sized tiles.
+//
+// Where the window keeps its pixels from one frame to the next, the end of
+// a frame redraws only the tiles whose triangles changed: each such tile is
+// cleared and the frame's triangles are drawn cut to it. Drawing of any
+// other kind in a frame makes that frame and the next one whole again.
 class CellBatch {
  public:
   CellBatch(sf::Vector2f cell_size, int columns, int rows);
 
-  // Set after the window was cleared to the colour the backgrounds to come
-  // are drawn in; anything else drawn into the window ends it.
-  void setPlainBackground(bool plain) { plain_background = plain; }
+  // The window still holds the last frame when a frame starts.
+  void setKeptPixels(bool kept) { kept_pixels = kept; }
+  // After a frame was shown: the next one starts from the given colour.
+  void startFrame(sf::Color clear_color);
 
   void addBackground(const Edges& cell, sf::Color color);
   void addGlyph(const Edges& quad, const Edges& tex, sf::Color color);
-  // Draws and forgets the batch. Its glyphs stay in the window unrecorded,
-  // so the background is no longer plain.
-  void draw(sf::RenderTarget& target, const sf::Texture& texture);
+  // Drawing of another kind goes into the window next: the window is
+  // cleared if it was not yet, and what the batch holds is drawn whole.
+  void drawBeforeOther(sf::RenderTarget& target, const sf::Texture& texture);
+  // Draws what the frame still needs before it is shown.
+  void finishFrame(sf::RenderTarget& target, const sf::Texture& texture);
 
  private:
+  // A rectangle of texture stretched over a rectangle of the window, in a
+  // colour: a quarter of the memory of its six vertices.
+  struct Quad {
+    Edges rect;
+    Edges tex;
+    sf::Color color;
+  };
+  // A glyph's quad, the parts of it not yet painted over, and the indices
+  // of its quad and of the quads painted over it.
+  struct Glyph {
+    std::vector<Edges> pieces;
+    std::vector<std::size_t> quads;
+    unsigned int stamp = 0;
+  };
+
   // Nothing of it would reach a pixel of the window.
   bool isOffScreen(const Edges& rect) const { return window.intersection(rect).isEmpty(); }
-  void addOverlaps(const Edges& cell, sf::Color color);
-  void dropQuads(std::vector<std::size_t>& starts);
-  void addQuad(const Edges& quad, const Edges& tex, sf::Color color);
+  Edges tileEdges(int column, int row) const;
   template <typename Visit>
-  void forEachBucket(const Edges& rect, Visit visit);
+  void forEachTile(const Edges& rect, Visit visit) const;
+  void addOverlaps(const Edges& cell, sf::Color color);
+  void dropQuads(std::vector<std::size_t>& indices);
+  void addQuad(const Edges& rect, const Edges& tex, sf::Color color);
+  void clearIfNeeded(sf::RenderTarget& target);
+  void drawWhole(sf::RenderTarget& target, const sf::Texture& texture);
+  void hashIntoTiles(const Edges& rect, std::uint64_t hash);
+  std::size_t markChangedTiles();
+  void drawChangedTiles(sf::RenderTarget& target, const sf::Texture& texture);
+  void addChangedParts(const Quad& quad);
+  void addVertices(const Edges& rect, const Edges& tex, sf::Color color);
+  void drawVertices(sf::RenderTarget& target, const sf::Texture& texture);
+  void forget();
 
   sf::Vector2f cell_size;
   int columns;
   int rows;
   Edges window;
-  std::vector<sf::Vertex> vertices;
-  // The parts of each glyph not yet painted over.
-  std::vector<std::vector<Edges>> glyph_pieces;
+  std::vector<Quad> quads;
+  std::vector<Glyph> glyphs;
+  std::size_t glyph_count = 0;
   std::vector<Edges> unpainted;
-  // The last background query that met each glyph, so that it meets it once.
-  std::vector<unsigned int> glyph_stamps;
-  // Where each glyph's quad and the quads painted over it start.
-  std::vector<std::vector<std::size_t>> glyph_quads;
   unsigned int stamp = 0;
-  std::vector<std::vector<std::size_t>> buckets;
+  std::vector<std::vector<std::size_t>> glyphs_in_tile;
+  sf::Color clear_color = sf::Color::Black;
+  bool cleared = false;
+  // Backgrounds in the clear colour need drawing only over earlier glyphs.
   bool plain_background = false;
+
+  bool kept_pixels = false;
+  // Drawing of another kind made this frame whole.
+  bool whole_frame = true;
+  // The last frame's tiles can be compared with this one's.
+  bool last_tiles_known = false;
+  sf::Color last_clear_color = sf::Color::Black;
+  std::vector<std::uint64_t> tile_hashes;
+  std::vector<std::uint64_t> last_tile_hashes;
+  std::vector<char> changed_tiles;
+  // What is drawn, as SFML takes it.
+  std::vector<sf::Vertex> vertices;
+  std::vector<Edges> runs;
 };
 
 }  // namespace vt

@@ -7,6 +7,7 @@
 
 #include "core/Config.h"
 #include "core/LogManager.h"
+#include "media/BackBufferCopy.h"
 #include "media/CellBatch.h"
 #include "media/LogStreamBuf.h"
 #include "media/Terminal.h"
@@ -104,12 +105,17 @@ int DisplayManager::startUp() {
     p_window.reset();
     return -1;
   } else {
-    p_cells = std::make_unique<CellBatch>(sf::Vector2f(charWidth(), charHeight()),
+    cell_width = charWidth();
+    cell_height = charHeight();
+    p_cells = std::make_unique<CellBatch>(sf::Vector2f(cell_width, cell_height),
                                           window_horizontal_chars, window_vertical_chars);
+    p_back_buffer_copy = BackBufferCopy::forWindow(*p_window);
+    p_cells->setKeptPixels(p_back_buffer_copy != nullptr);
   }
   frame.reset(window_horizontal_chars, window_vertical_chars, config.getWindowBackgroundColor());
   shake_random.seed();
   setBackgroundColor(config.getWindowBackgroundColor());
+  if (p_cells != nullptr) p_cells->startFrame(window_background_color);
   Manager::startUp();
   log_manager.writeLog(5, "DisplayManager::startUp(): successfully started.");
   return 0;
@@ -204,8 +210,9 @@ int DisplayManager::loadFont() {
   const float size = std::min(charWidth(), charHeight()) * Config::getInstance().getFontScale();
   char_size =
       std::isfinite(size) && size >= 1 ? static_cast<unsigned int>(std::min(size, 1024.0f)) : 1;
+  glyphs.fill(nullptr);
   for (sf::Uint32 code = FIRST_PRELOADED_CHAR; code <= LAST_PRELOADED_CHAR; code++) {
-    p_font->getGlyph(code, char_size, true);
+    glyphFor(static_cast<unsigned char>(code));
   }
   return 0;
 }
@@ -216,6 +223,7 @@ void DisplayManager::shutDown() {
   terminal = false;
   drawable_skip_logged = false;
   p_cells.reset();
+  p_back_buffer_copy.reset();
   if (p_window != nullptr) p_window->close();
   // The font's textures and the window go while the display is still there.
   p_font.reset();
@@ -246,18 +254,20 @@ int DisplayManager::drawCh(Vector world_pos, char ch, Color color) {
 int DisplayManager::drawCh(Vector world_pos, char ch, unsigned char r, unsigned char g,
                            unsigned char b) {
   if (!canDrawCells()) return -1;
-  const Vector view_pos = worldToView(world_pos);
+  const Vector corner = WorldManager::getInstance().getView().getCorner();
+  const Vector view_pos = world_pos - corner;
   frame.put(view_pos, ch, r, g, b);
   if (p_window == nullptr) return 0;
-  const Vector pixels = spacesToPixels(view_pos);
-  const float px = pixels.getX();
-  const float py = pixels.getY();
+  const float px = view_pos.getX() * cell_width;
+  const float py = view_pos.getY() * cell_height;
   // The far edges are the near edges of the next cell, to the last bit, so
   // that cells side by side leave no sliver between them.
-  const Vector far = spacesToPixels(worldToView(world_pos + Vector(1, 1)));
-  const float inset_x = charWidth() / 10;
-  const float inset_y = charHeight() / 5;
-  p_cells->addBackground({px - inset_x, py + inset_y, far.getX() - inset_x, far.getY() + inset_y},
+  const Vector far_view = (world_pos + Vector(1, 1)) - corner;
+  const float far_x = far_view.getX() * cell_width;
+  const float far_y = far_view.getY() * cell_height;
+  const float inset_x = cell_width / 10;
+  const float inset_y = cell_height / 5;
+  p_cells->addBackground({px - inset_x, py + inset_y, far_x - inset_x, far_y + inset_y},
                          window_background_color);
   const sf::Vector2f glyph_position(px + static_cast<float>(shake_x),
                                     py + static_cast<float>(shake_y));
@@ -269,7 +279,7 @@ int DisplayManager::drawCh(Vector world_pos, char ch, unsigned char r, unsigned 
 // the position.
 void DisplayManager::addGlyph(sf::Uint32 code, sf::Vector2f position, sf::Color color) {
   if (isBlank(code)) return;
-  const sf::Glyph& glyph = p_font->getGlyph(code, char_size, true);
+  const sf::Glyph& glyph = glyphFor(code);
   const sf::FloatRect& bounds = glyph.bounds;
   const float baseline = static_cast<float>(char_size);
   // Summed in sf::Text's order, so that the floats come out the same.
@@ -285,8 +295,16 @@ void DisplayManager::addGlyph(sf::Uint32 code, sf::Vector2f position, sf::Color 
   p_cells->addGlyph(quad, tex, color);
 }
 
+// The font keeps its glyphs where they are once made: they are looked up
+// once.
+const sf::Glyph& DisplayManager::glyphFor(unsigned char code) {
+  const sf::Glyph*& p_glyph = glyphs[code];
+  if (p_glyph == nullptr) p_glyph = &p_font->getGlyph(code, char_size, true);
+  return *p_glyph;
+}
+
 void DisplayManager::flushCells() {
-  p_cells->draw(*p_window, p_font->getTexture(char_size));
+  p_cells->drawBeforeOther(*p_window, p_font->getTexture(char_size));
 }
 
 int DisplayManager::drawString(Vector world_pos, std::string str, Justification just, Color color) {
@@ -347,12 +365,7 @@ int DisplayManager::drawDrawable(const sf::Drawable& drawable) {
 bool DisplayManager::setBackgroundColor(Color new_color) {
   frame_background = new_color;
   if (Config::getInstance().getHeadless()) return false;
-  const sf::Color sfml_color = colorToSFML(new_color);
-  // Backgrounds of another colour than the window was cleared to are drawn whole.
-  if (p_cells != nullptr && sfml_color != window_background_color) {
-    p_cells->setPlainBackground(false);
-  }
-  window_background_color = sfml_color;
+  window_background_color = colorToSFML(new_color);
   return true;
 }
 
@@ -365,10 +378,13 @@ int DisplayManager::swapBuffers() {
   if (isStarted()) frame.reset(window_horizontal_chars, window_vertical_chars, frame_background);
   if (terminal) return 0;
   if (!canDraw()) return -1;
-  flushCells();
-  p_window->display();
-  p_window->clear(window_background_color);
-  p_cells->setPlainBackground(true);
+  p_cells->finishFrame(*p_window, p_font->getTexture(char_size));
+  if (p_back_buffer_copy != nullptr) {
+    p_back_buffer_copy->show();
+  } else {
+    p_window->display();
+  }
+  p_cells->startFrame(window_background_color);
   if (shake_duration < 1) {
     shake_x = 0;
     shake_y = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <SFML/Graphics.hpp>
+#include <array>
 #include <memory>
 #include <random>
 #include <string>
@@ -19,6 +20,7 @@ enum Justification {
   RIGHT_JUSTIFIED,
 };
 
+class BackBufferCopy;
 class CellBatch;
 
 // Shows the character-cell world, in a window or in a terminal. In a window
@@ -83,14 +85,21 @@ class DisplayManager : public Manager {
   // The same for drawing into the cell frame, which needs no window.
   bool canDrawCells() const;
   void addGlyph(sf::Uint32 code, sf::Vector2f position, sf::Color color);
+  const sf::Glyph& glyphFor(unsigned char code);
   // Draws the characters collected since the last flush.
   void flushCells();
 
   std::unique_ptr<sf::RenderWindow> p_window;
   std::unique_ptr<sf::Font> p_font;
   unsigned int char_size = 0;
+  std::array<const sf::Glyph*, 256> glyphs{};
+  // A cell's size in pixels while the window is open.
+  float cell_width = 0;
+  float cell_height = 0;
   // The characters drawn since the last flush, waiting to be drawn at once.
   std::unique_ptr<CellBatch> p_cells;
+  // Where the driver can show a window without swapping its buffers.
+  std::unique_ptr<BackBufferCopy> p_back_buffer_copy;
   CellFrame frame;
   Color frame_background = BLACK;
   bool capturing = false;

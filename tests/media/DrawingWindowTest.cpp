@@ -3,6 +3,7 @@
 #include <SFML/Graphics.hpp>
 #include <algorithm>
 #include <fstream>
+#include <random>
 #include <set>
 #include <tuple>
 #include <vector>
@@ -214,4 +215,68 @@ TEST_F(DrawingWindowTest, LinesShapesAndBackgroundsLayerInCallOrder) {
   EXPECT_GT(countPixels(coloured, {128, 0, 127}) + countPixels(coloured, {128, 0, 126}), 20);
   EXPECT_GT(countPixels(coloured, sf::Color::Yellow) * countPixels(coloured, {10, 20, 30}), 0);
   EXPECT_GT(countPixels(coloured, sf::Color::Blue), 1024 * 768 - 2000);
+}
+
+// The window keeps its pixels between frames and each frame redraws only
+// what changed: after any run of frames it must show what a fresh window
+// shows for the last one.
+TEST_F(DrawingWindowTest, AFrameDrawnOverEarlierOnesLooksAsIfDrawnAlone) {
+  std::mt19937 random(11);
+  const auto drawScreen = [&](unsigned int seed, bool fractional) {
+    std::mt19937 cells(seed);
+    for (int cell = 0; cell < 80 * 24; cell++) {
+      if (cells() % 3 == 0) continue;
+      const float x = static_cast<float>(cell % 80) + (fractional ? 0.5f : 0.0f);
+      const char ch = static_cast<char>('!' + cells() % 94);
+      display.drawCh(Vector(x, static_cast<float>(cell / 80)), ch,
+                     static_cast<vt::Color>(vt::RED + cells() % 7));
+    }
+    // A heads-up line drawn over itself, as a stack of score displays is.
+    for (int i = 0; i < 3; i++) {
+      display.drawString(Vector(40, 0), "Points " + std::to_string(seed % 1000 + i),
+                         vt::CENTER_JUSTIFIED, vt::YELLOW);
+    }
+  };
+  struct Step {
+    unsigned int seed;
+    bool fractional;
+    bool line;
+    vt::Color background;
+  };
+  // Frames alike but for a few cells, whole new frames, frames at half-cell
+  // positions, a line among the cells and a new background colour.
+  const std::vector<Step> steps = {{1, false, false, vt::BLACK}, {1, false, false, vt::BLACK},
+                                   {2, false, false, vt::BLACK}, {2, true, false, vt::BLACK},
+                                   {3, false, true, vt::BLACK},  {3, false, false, vt::BLACK},
+                                   {3, false, false, vt::BLUE},  {4, false, false, vt::BLUE}};
+  for (const Step& step : steps) {
+    display.setBackgroundColor(step.background);
+    drawScreen(step.seed, step.fractional);
+    // Some cells differ from frame to frame.
+    for (int i = 0; i < 40; i++) {
+      display.drawCh(Vector(static_cast<float>(random() % 80), static_cast<float>(random() % 24)),
+                     '@', vt::GREEN);
+    }
+    if (step.line) display.drawLine(Vector(0, 12.5f), Vector(79, 12.5f), vt::RED);
+    display.swapBuffers();
+  }
+  const std::mt19937 last_random = random;
+  drawScreen(4, false);
+  for (int i = 0; i < 40; i++) {
+    display.drawCh(Vector(static_cast<float>(random() % 80), static_cast<float>(random() % 24)),
+                   '@', vt::GREEN);
+  }
+  const sf::Image over_earlier = showAndCapture();
+  display.shutDown();
+  ASSERT_EQ(display.startUp(), 0);
+  // A new background colour clears the window from the next frame on.
+  display.setBackgroundColor(vt::BLUE);
+  display.swapBuffers();
+  random = last_random;
+  drawScreen(4, false);
+  for (int i = 0; i < 40; i++) {
+    display.drawCh(Vector(static_cast<float>(random() % 80), static_cast<float>(random() % 24)),
+                   '@', vt::GREEN);
+  }
+  EXPECT_EQ(vt::test::countDifferentPixels(over_earlier, showAndCapture()), 0);
 }
