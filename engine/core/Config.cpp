@@ -254,6 +254,7 @@ void Config::storeSettings() {
   storeString("logfile", logfile);
   storeInt("random_seed", random_seed);
   storeBool("networking", networking);
+  storeBool("hot_reload", hot_reload);
   storeInt("grid_width", grid_width);
   storeInt("grid_height", grid_height);
   storeInt("quadtree_depth", quadtree_depth);
@@ -317,6 +318,7 @@ void Config::printConfig() const {
   log.writeLog(1, "  Log file: %s", logfile.c_str());
   log.writeLog(1, "  Random seed: %d", random_seed);
   log.writeLog(1, "  Networking: %s", boolText(networking));
+  log.writeLog(1, "  Hot reload: %s", boolText(hot_reload));
   log.writeLog(1, "  Scene graph: simple");
   log.writeLog(1, "%s", RULE);
 }

@@ -78,6 +78,10 @@ class Config {
   void setRandomSeed(int value) { random_seed = value; }
   bool getNetworking() const { return networking; }
   void setNetworking(bool value) { networking = value; }
+  // Sprite files read again when they change on disk while the game runs;
+  // the environment's VANTOR_HOT_RELOAD=1 turns it on too.
+  bool getHotReload() const { return hot_reload; }
+  void setHotReload(bool value) { hot_reload = value; }
   int getQuadtreeThreshold() const { return quadtree_threshold; }
   void setQuadtreeThreshold(int value) { quadtree_threshold = value; }
   int getQuadtreeDepth() const { return quadtree_depth; }
@@ -120,6 +124,7 @@ class Config {
   std::string logfile = "vantor.log";
   int random_seed = 0;
   bool networking = false;
+  bool hot_reload = false;
   int quadtree_threshold = 1;
   int quadtree_depth = 10;
   int grid_width = 20;

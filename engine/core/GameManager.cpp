@@ -14,6 +14,7 @@
 #include "core/Clock.h"
 #include "core/Config.h"
 #include "core/EventStep.h"
+#include "core/FrameStats.h"
 #include "core/LogManager.h"
 #include "extras/NetworkManager.h"
 #include "extras/Recorder.h"
@@ -171,6 +172,7 @@ int GameManager::startUp() {
   log_manager.writeLog(1, "Log Manager started.");
   frame_time = config.getFrameTime();
   log_manager.writeLog(5, "GameManager::startUp(): frame time is %d", frame_time);
+  FrameStats::getInstance().startUp();
   if (startManagers() != 0) return -1;
   seedRandom();
   previous_timer_slack = static_cast<unsigned long>(prctl(PR_GET_TIMERSLACK, 0, 0, 0, 0));
@@ -239,6 +241,7 @@ void GameManager::shutDown() {
         1, "GameManager()::shutDown(): Warning! timeEndPeriod() cannot accept 1 msec.");
   }
   stopManagers();
+  FrameStats::getInstance().shutDown();
   log_manager.writeLog("%s", STARS);
   log_manager.writeLog("** Game engine stopped **");
   log_manager.shutDown();
@@ -281,18 +284,18 @@ void GameManager::step() {
 }
 
 std::int64_t GameManager::iterate(Clock& clock, std::int64_t adjust_time, bool paced) {
+  FrameStats& stats = FrameStats::getInstance();
+  stats.beginStep();
   const EventStep step_event(step_count);
   onEvent(&step_event);
+  stats.endPart(STEP_EVENTS_PART);
+  // Showing the last frame counts as drawing.
   DisplayManager::getInstance().swapBuffers();
+  stats.endPart(DRAW_PART);
   Recorder& recorder = Recorder::getInstance();
   recorder.beginStep();
-  InputManager::getInstance().getInput();
-  if (Config::getInstance().getNetworking()) {
-    NetworkManager::getInstance().processFrame(clock, frame_time);
-  }
-  WorldManager& world_manager = WorldManager::getInstance();
-  world_manager.update();
-  world_manager.draw();
+  takeInput(clock, stats);
+  updateAndDraw(stats);
   // A frame restarted by a wait on purpose is timed from its end.
   if (frame_restarted) {
     clock.delta();
@@ -300,10 +303,32 @@ std::int64_t GameManager::iterate(Clock& clock, std::int64_t adjust_time, bool p
     frame_restarted = false;
   }
   recorder.endStep(searchPaths(clock, adjust_time, paced));
+  stats.endPart(PATHS_PART);
   if (paced) adjust_time = sleepRestOfFrame(clock, adjust_time);
-  step_count++;
+  stats.endPart(SLEEP_PART);
   LogManager::getInstance().flush();
+  stats.endStep(step_count);
+  step_count++;
   return adjust_time;
+}
+
+void GameManager::takeInput(const Clock& clock, FrameStats& stats) const {
+  InputManager::getInstance().getInput();
+  stats.endPart(INPUT_PART);
+  if (Config::getInstance().getNetworking()) {
+    NetworkManager::getInstance().processFrame(clock, frame_time);
+  }
+  stats.endPart(NETWORK_PART);
+}
+
+void GameManager::updateAndDraw(FrameStats& stats) const {
+  ResourceManager::getInstance().reloadChangedSprites();
+  WorldManager& world_manager = WorldManager::getInstance();
+  world_manager.update();
+  stats.endPart(UPDATE_PART);
+  world_manager.draw();
+  stats.drawOverlay();
+  stats.endPart(DRAW_PART);
 }
 
 int GameManager::searchPaths(const Clock& clock, std::int64_t adjust_time, bool paced) const {

@@ -47,6 +47,10 @@ class GameManager : public Manager {
   // is left of the frame and sleeps away the rest. Returns the oversleep to
   // carry into the next iteration.
   std::int64_t iterate(class Clock& clock, std::int64_t adjust_time, bool paced);
+  // The window's or terminal's input, then the network's messages.
+  void takeInput(const class Clock& clock, class FrameStats& stats) const;
+  // Sprites read again when their files changed, then the world moved and drawn.
+  void updateAndDraw(class FrameStats& stats) const;
   // Runs the path searches for this step; returns the turns they took.
   int searchPaths(const class Clock& clock, std::int64_t adjust_time, bool paced) const;
   int startManagers();

@@ -6,11 +6,13 @@
 
 namespace vt {
 
-Firework::Firework(Vector position, Color init_color, float init_size, int fuse_steps)
+Firework::Firework(Vector position, Color init_color, float init_size, int fuse_steps,
+                   int init_altitude)
     : color(init_color), size(init_size), fuse(fuse_steps) {
   setType("Firework");
   setSolidness(SPECTRAL);
-  setAltitude(3);
+  // An altitude out of range is logged, and the default taken.
+  if (setAltitude(init_altitude) != 0) setAltitude(PARTICLE_ALTITUDE);
   setPosition(position);
   setVelocity(Vector(0, -0.6f));
   registerInterest(STEP_EVENT);
@@ -24,7 +26,7 @@ int Firework::eventHandler(const Event* p_event) {
   if (p_event->getType() != STEP_EVENT) return 0;
   fuse--;
   if (fuse <= 0) {
-    addParticles(PARTICLE_BURST, getPosition(), size, color);
+    addParticles(PARTICLE_BURST, getPosition(), size, color, getAltitude());
     WorldManager::getInstance().markForDelete(this);
   }
   return 1;

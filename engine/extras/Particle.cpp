@@ -11,7 +11,7 @@ Particle::Particle(Vector position, Vector velocity, char init_symbol, Color ini
     : symbol(init_symbol), color(init_color), lifetime(init_lifetime < 1 ? 1 : init_lifetime) {
   setType("Particle");
   setSolidness(SPECTRAL);
-  setAltitude(3);
+  setAltitude(PARTICLE_ALTITUDE);
   setPosition(position);
   setVelocity(velocity);
   registerInterest(STEP_EVENT);

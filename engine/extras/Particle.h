@@ -5,6 +5,10 @@
 
 namespace vt {
 
+// Where particles and the effects made of them are drawn unless asked
+// otherwise: above the game's objects, below the heads-up display.
+const int PARTICLE_ALTITUDE = 3;
+
 // A short-lived single character that moves, slows down, falls or rises
 // with its gravity, fades from its colour to the window's background and
 // removes itself when its life is over or it leaves the world.

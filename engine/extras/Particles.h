@@ -2,6 +2,7 @@
 
 #include "core/Color.h"
 #include "core/Vector.h"
+#include "extras/Particle.h"
 
 namespace vt {
 
@@ -23,8 +24,11 @@ enum ParticlePreset {
   PARTICLE_SNOW = 6,
 };
 
-// Starts a preset effect at the position in the colour; returns 0, or -1
-// (with a log line) for an unknown preset.
-int addParticles(int preset, Vector position, float size_factor, Color color);
+// Starts a preset effect at the position in the colour, its particles
+// drawn at the altitude (0 to 4; at 4 they cover a banner made before
+// them); returns 0, or -1 (with a log line) for an unknown preset or an
+// altitude out of range.
+int addParticles(int preset, Vector position, float size_factor, Color color,
+                 int altitude = PARTICLE_ALTITUDE);
 
 }  // namespace vt

@@ -8,10 +8,13 @@
 namespace vt {
 
 Precipitation::Precipitation(Color init_color, float init_density, bool init_snow,
-                             int init_duration)
+                             int init_duration, int init_altitude)
     : color(init_color), density(init_density), snow(init_snow), duration(init_duration) {
   setType("Precipitation");
   setSolidness(SPECTRAL);
+  // An altitude out of range is logged, and the default taken. Set while
+  // visible: the altitude of an invisible object cannot change.
+  if (setAltitude(init_altitude) != 0) setAltitude(PARTICLE_ALTITUDE);
   setVisible(false);
   registerInterest(STEP_EVENT);
 }
@@ -36,7 +39,8 @@ void Precipitation::dropParticles() const {
     const Vector start(x, view.getCorner().getY());
     const float drift = snow ? static_cast<float>(std::rand() % 3 - 1) * 0.1f : -0.1f;
     const Vector velocity(drift, snow ? 0.35f : 1.2f);
-    new Particle(start, velocity, snow ? '*' : '|', color, lifetime);
+    auto* p_drop = new Particle(start, velocity, snow ? '*' : '|', color, lifetime);
+    p_drop->setAltitude(getAltitude());
   }
 }
 

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "core/Config.h"
+#include "core/FrameStats.h"
 #include "core/GameManager.h"
 #include "core/LogManager.h"
 #include "media/DisplayManager.h"
@@ -308,6 +309,8 @@ EventKeyboard InputManager::toEventKeyboard(const sf::Event::KeyEvent& key_event
 }
 
 void InputManager::sendKey(int key, int action) {
+  // The engine's own key reaches the engine first, then the game.
+  if (key == Keyboard::F12 && action == KEY_PRESSED) FrameStats::getInstance().toggleOverlay();
   EventKeyboard keyboard_event;
   keyboard_event.setKey(key);
   keyboard_event.setKeyboardAction(action);

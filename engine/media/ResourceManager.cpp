@@ -1,10 +1,15 @@
 #include "media/ResourceManager.h"
 
+#include <cstdlib>
 #include <memory>
+#include <utility>
+#include <vector>
 
+#include "core/Config.h"
 #include "core/LogManager.h"
 #include "media/LineReader.h"
 #include "media/SpriteLoader.h"
+#include "world/WorldManager.h"
 
 namespace vt {
 
@@ -15,6 +20,43 @@ const int FRAME_DUMP_LEVEL = 15;
 
 LogManager& logManager() {
   return LogManager::getInstance();
+}
+
+bool hotReloadWanted() {
+  const char* p_variable = std::getenv("VANTOR_HOT_RELOAD");
+  return Config::getInstance().getHotReload() ||
+         (p_variable != nullptr && std::string(p_variable) == "1");
+}
+
+// The objects showing the sprite, each with whether its box is the
+// sprite's size (as setSprite made it) rather than one of its own.
+std::vector<std::pair<Object*, bool>> objectsShowing(const Sprite* p_sprite) {
+  std::vector<std::pair<Object*, bool>> shown;
+  for (Object* p_object : WorldManager::getInstance().getAllObjects(true)) {
+    const Animation animation = p_object->getAnimation();
+    if (animation.getSprite() == p_sprite) {
+      shown.emplace_back(p_object, p_object->getBox() == animation.getBox());
+    }
+  }
+  return shown;
+}
+
+// Their frame may be gone now, and their box may take the new size.
+void fitToSprite(const std::vector<std::pair<Object*, bool>>& shown, const Sprite& sprite) {
+  for (const auto& [p_object, sized_by_sprite] : shown) {
+    Animation animation = p_object->getAnimation();
+    if (animation.getIndex() >= sprite.getFrameCount()) animation.setIndex(0);
+    p_object->setAnimation(animation, sized_by_sprite);
+  }
+}
+
+// The sprite in the file, or null after logging why.
+std::unique_ptr<Sprite> readSpriteFile(const std::string& file_name) {
+  LineReader reader;
+  if (reader.open(file_name)) return SpriteLoader(reader).load();
+  LogManager::getInstance().writeLog("RM::reloadSprite(): Error! Cannot open file '%s'.",
+                                     file_name.c_str());
+  return nullptr;
 }
 
 }  // namespace
@@ -41,12 +83,17 @@ int ResourceManager::startUp() {
   sprite_count = 0;
   sound_count = 0;
   music_count = 0;
+  if (hotReloadWanted() && sprite_watcher.start() == 0) {
+    logManager().writeLog(1,
+                          "RM::startUp(): hot reload: sprite files are read again as they change.");
+  }
   Manager::startUp();
   logManager().writeLog(5, "RM::startUp(): successfully started.");
   return 0;
 }
 
 void ResourceManager::shutDown() {
+  sprite_watcher.stop();
   deleteSprites();
   for (int i = 0; i < sound_count; i++) sound[i].stop();
   for (int i = 0; i < music_count; i++) music[i].stop();
@@ -88,7 +135,9 @@ int ResourceManager::loadSprite(std::string filename, std::string label) {
     return -1;
   }
   p_new_sprite->setLabel(label);
+  p_new_sprite->setFileName(filename);
   p_sprite[sprite_count++] = p_new_sprite.release();
+  sprite_watcher.watch(filename);
   logFrames(*p_sprite[sprite_count - 1]);
   log_manager.writeLog(1, "RM::loadSprite(): Sprite '%s' loaded.", label.c_str());
   return 0;
@@ -108,6 +157,34 @@ void ResourceManager::logFrames(const Sprite& sprite) const {
       log_manager.writeLog(FRAME_DUMP_LEVEL, "\t%s", text.substr(row, width).c_str());
     }
   }
+}
+
+void ResourceManager::reloadChangedSprites() {
+  if (!sprite_watcher.isStarted()) return;
+  for (const std::string& file_name : sprite_watcher.changedFiles()) {
+    for (int i = 0; i < sprite_count; i++) {
+      if (p_sprite[i]->getFileName() == file_name) reloadSprite(*p_sprite[i]);
+    }
+  }
+}
+
+void ResourceManager::reloadSprite(Sprite& sprite) {
+  LogManager& log_manager = logManager();
+  const std::string file_name = sprite.getFileName();
+  std::unique_ptr<Sprite> p_new_sprite = readSpriteFile(file_name);
+  if (!p_new_sprite) {
+    log_manager.writeLog(
+        "RM::reloadSprite(): Warning! Sprite '%s' keeps its old frames: '%s' did not load.",
+        sprite.getLabel().c_str(), file_name.c_str());
+    return;
+  }
+  const std::vector<std::pair<Object*, bool>> shown = objectsShowing(&sprite);
+  p_new_sprite->setLabel(sprite.getLabel());
+  p_new_sprite->setFileName(file_name);
+  sprite = std::move(*p_new_sprite);
+  fitToSprite(shown, sprite);
+  log_manager.writeLog("RM::reloadSprite(): Sprite '%s' read again from '%s'.",
+                       sprite.getLabel().c_str(), file_name.c_str());
 }
 
 int ResourceManager::unloadSprite(std::string label) {

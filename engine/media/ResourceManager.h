@@ -3,6 +3,7 @@
 #include <string>
 
 #include "core/Manager.h"
+#include "media/FileWatcher.h"
 #include "media/Music.h"
 #include "media/Sound.h"
 #include "media/Sprite.h"
@@ -32,6 +33,12 @@ class ResourceManager : public Manager {
   // The first sprite of that label, or null.
   Sprite* getSprite(std::string label) const;
   int getSpriteCount() const { return sprite_count; }
+  // With hot reload on (the configuration's hot_reload, or
+  // VANTOR_HOT_RELOAD=1), reads again every sprite whose file was written
+  // or replaced since the last call, in place: objects keep their pointers
+  // and show the new frames. A file that does not load leaves its sprite
+  // as it was, and the log says why. The game loop calls it every step.
+  void reloadChangedSprites();
 
   int loadSound(std::string filename, std::string label);
   int unloadSound(std::string label);
@@ -52,6 +59,7 @@ class ResourceManager : public Manager {
   int findMusic(const std::string& label) const;
   void deleteSprites();
   void logFrames(const Sprite& sprite) const;
+  void reloadSprite(Sprite& sprite);
 
   Sprite* p_sprite[MAX_SPRITES] = {};
   int sprite_count = 0;
@@ -59,6 +67,8 @@ class ResourceManager : public Manager {
   int sound_count = 0;
   Music music[MAX_MUSICS];
   int music_count = 0;
+  // Watches the loaded sprite files while hot reload is on.
+  FileWatcher sprite_watcher;
 };
 
 }  // namespace vt

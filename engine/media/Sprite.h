@@ -18,6 +18,10 @@ class Sprite {
   explicit Sprite(int max_frames);
   Sprite(const Sprite&) = delete;
   Sprite& operator=(const Sprite&) = delete;
+  // Moving one sprite into another replaces its frames where objects
+  // point at it: how a sprite file is read again while the game runs.
+  Sprite(Sprite&&) = default;
+  Sprite& operator=(Sprite&&) = default;
 
   int getWidth() const { return width; }
   void setWidth(int new_width) { width = new_width; }
@@ -33,6 +37,9 @@ class Sprite {
   void setTransparency(char new_transparency) { transparency = new_transparency; }
   std::string getLabel() const { return label; }
   void setLabel(std::string new_label) { label = std::move(new_label); }
+  // The file the sprite was loaded from, "" for a sprite made in code.
+  std::string getFileName() const { return file_name; }
+  void setFileName(std::string new_file_name) { file_name = std::move(new_file_name); }
 
   // Appends a copy; -1 when the sprite is full.
   int addFrame(Frame new_frame);
@@ -50,6 +57,7 @@ class Sprite {
   char transparency = 0;
   std::vector<Frame> frame;
   std::string label = "[Undefined]";
+  std::string file_name;
 };
 
 }  // namespace vt

@@ -21,6 +21,7 @@
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/InputManager.h"
+#include "media/ViewObject.h"
 #include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
 #include "support/TestSupport.h"
@@ -235,4 +236,33 @@ TEST(Particles, EachPresetLooksAsItsGoldenFrame) {
         std::string(VANTOR_FRAMES_DIR) + "/particles-" + std::to_string(preset) + ".frame";
     EXPECT_EQ(harness.checkFrame(golden), "");
   }
+}
+
+// Particles are drawn under an altitude-4 banner by default and over it at
+// altitude 4; a firework's burst and snow's flakes take the altitude given.
+TEST(Particles, AnAltitudeOf4DrawsThemOverABanner) {
+  vt::Harness harness;
+  ASSERT_EQ(harness.startUp(), 0);
+  auto* p_banner = new vt::ViewObject;
+  p_banner->setBorder(false);
+  p_banner->setDrawValue(false);
+  p_banner->setViewString(std::string(21, '='));
+  p_banner->setLocation(vt::CENTER_CENTER);
+  harness.step();
+  const std::string banner = harness.frameText();
+  std::srand(1);
+  const Vector middle = p_banner->getPosition();
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SPARKLE, middle, 2.0f, vt::GREEN), 0);
+  harness.step();
+  EXPECT_EQ(harness.frameText(), banner);
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SPARKLE, middle, 2.0f, vt::GREEN, 4), 0);
+  harness.step();
+  EXPECT_NE(harness.frameText(), banner);
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_FIREWORK, middle, 1.0f, vt::CYAN, 4), 0);
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SNOW, Vector(), 1.0f, vt::WHITE, 4), 0);
+  harness.step(20);
+  ASSERT_GT(countOf("Particle"), 0);
+  for (const vt::Object* p_particle : WorldManager::getInstance().objectsOfType("Particle"))
+    EXPECT_EQ(p_particle->getAltitude(), 4);
+  EXPECT_EQ(vt::addParticles(vt::PARTICLE_BURST, Vector(), 1.0f, vt::RED, 5), -1);
 }

@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "core/FrameStats.h"
+#include "extras/Harness.h"
+#include "media/EventKeyboard.h"
+#include "media/ViewObject.h"
+#include "support/HeadlessEngine.h"
+#include "support/RecordingObject.h"
+
+namespace {
+
+std::string topRow(const vt::Harness& harness) {
+  std::istringstream frame(harness.frameText());
+  std::string line;
+  for (int i = 0; i < 3; i++) std::getline(frame, line);
+  return line;
+}
+
+}  // namespace
+
+// The overlay covers a view object on the top line while it is on; the game's
+// own handler of F12 finds it already toggled.
+TEST(FrameStats, F12ShowsTheLastStepOnTheTopLineOverEverything) {
+  vt::Harness harness;
+  ASSERT_EQ(harness.startUp(), 0);
+  (new vt::ViewObject)->setLocation(vt::TOP_LEFT);
+  auto* p_game = new test::RecordingObject;
+  p_game->registerInterest(vt::KEYBOARD_EVENT);
+  std::vector<bool> shown_at_press;
+  p_game->on_event = [&](const vt::Event* p_event) {
+    const auto* p_key = static_cast<const vt::EventKeyboard*>(p_event);
+    if (p_key->getKeyboardAction() != vt::KEY_PRESSED) return;
+    shown_at_press.push_back(vt::FrameStats::getInstance().isOverlayShown());
+  };
+  harness.step();
+  const std::string world_row = topRow(harness);
+  harness.pressKey(vt::Keyboard::F12);
+  harness.step();
+  const std::regex overlay(
+      "events [0-9.]+ input [0-9.]+ net [0-9.]+ update [0-9.]+ draw [0-9.]+ paths [0-9.]+ "
+      "sleep [0-9.]+ objs 2 *\\|");
+  EXPECT_TRUE(std::regex_match(topRow(harness), overlay)) << topRow(harness);
+  harness.step(vt::KEY_PRESS_STEPS);
+  harness.pressKey(vt::Keyboard::F12);
+  harness.step();
+  EXPECT_EQ(topRow(harness), world_row);
+  EXPECT_EQ(shown_at_press, (std::vector<bool>{true, false}));
+}
+
+// A header, then a row a step whose parts add up to no more than its whole; a
+// file that cannot be written leaves the game running.
+TEST(FrameStats, VantorStatsWritesARowPerStep) {
+  const std::string folder = test::makeTempDir();
+  setenv("VANTOR_STATS", (folder + "/stats.csv").c_str(), 1);
+  {
+    vt::Harness harness;
+    ASSERT_EQ(harness.startUp(), 0);
+    new vt::ViewObject;
+    harness.step(3);
+  }
+  std::ifstream csv(folder + "/stats.csv");
+  std::string line;
+  std::getline(csv, line);
+  EXPECT_EQ(line,
+            "step,step_events_us,input_us,network_us,update_us,draw_us,paths_us,sleep_us,"
+            "frame_us,objects");
+  long step = 0;
+  for (; std::getline(csv, line); step++) {
+    std::istringstream row(line);
+    std::vector<long> values;
+    for (std::string field; std::getline(row, field, ',');) values.push_back(std::stol(field));
+    ASSERT_EQ(values.size(), 10u);
+    EXPECT_EQ(values[0], step);
+    EXPECT_LE(values[1] + values[2] + values[3] + values[4] + values[5] + values[6] + values[7],
+              values[8]);
+    EXPECT_EQ(values[9], 1);
+  }
+  EXPECT_EQ(step, 3);
+  setenv("VANTOR_STATS", (folder + "/no-such-folder/stats.csv").c_str(), 1);
+  vt::Harness harness;
+  ASSERT_EQ(harness.startUp(), 0);
+  EXPECT_EQ(harness.step(2), 2);
+  EXPECT_TRUE(harness.logContains("Cannot write the frame stats to"));
+  std::filesystem::remove_all(folder);
+}

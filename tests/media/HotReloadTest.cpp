@@ -1,0 +1,92 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "extras/Harness.h"
+#include "media/ResourceManager.h"
+#include "world/Object.h"
+
+namespace {
+
+// A simple sprite file with a frame for each row given.
+void writeSprite(const std::string& file, const std::string& color,
+                 std::initializer_list<std::string> frames) {
+  std::ofstream text(file);
+  text << frames.size() << "\n" << frames.begin()->size() << "\n1\n0\n" << color << "\n";
+  for (const std::string& frame : frames) text << frame << "\n";
+}
+
+// Columns 9 to 11 of row 5 of the last frame.
+std::string shipCells(const vt::Harness& harness) {
+  std::istringstream frame(harness.frameText());
+  std::string line;
+  for (int i = 0; i < 8; i++) std::getline(frame, line);
+  return line.substr(9, 3);
+}
+
+// A ship of two frames at (10, 5): after a step it shows "A" and stands on "B".
+vt::Object* loadShip(const std::string& file) {
+  writeSprite(file, "green", {"A", "B"});
+  EXPECT_EQ(vt::ResourceManager::getInstance().loadSprite(file, "ship"), 0);
+  auto* p_ship = new vt::Object;
+  p_ship->setSprite("ship");
+  p_ship->setPosition(vt::Vector(10, 5));
+  return p_ship;
+}
+
+// Saved as editors save, a new file renamed over the old one: one frame
+// three cells wide.
+void editShip(const std::string& file) {
+  writeSprite(file + ".new", "red", {"<o>"});
+  EXPECT_EQ(std::rename((file + ".new").c_str(), file.c_str()), 0);
+}
+
+std::string spriteFile(const vt::Harness& harness) {
+  return std::filesystem::path(harness.getLogFile()).parent_path() / "ship.txt";
+}
+
+}  // namespace
+
+// The new frame shows at the next step (not a blank for the frame the ship
+// stood on) in the same sprite, and the box takes the new size unless the
+// object has one of its own. A broken edit keeps the frames and says why.
+TEST(HotReload, AChangedSpriteShowsAtTheNextStepAndABrokenOneKeepsTheOld) {
+  setenv("VANTOR_HOT_RELOAD", "1", 1);
+  vt::Harness harness;
+  ASSERT_EQ(harness.startUp(), 0);
+  const std::string file = spriteFile(harness);
+  const vt::Object* p_ship = loadShip(file);
+  auto* p_boxed = new vt::Object;
+  p_boxed->setSprite("ship");
+  const vt::Box own_box(vt::Vector(-0.4f, -0.4f), 0.8f, 0.8f);
+  p_boxed->setBox(own_box);
+  harness.step();
+  editShip(file);
+  harness.step();
+  EXPECT_EQ(shipCells(harness), "<o>");
+  EXPECT_EQ(p_ship->getAnimation().getSprite(),
+            vt::ResourceManager::getInstance().getSprite("ship"));
+  EXPECT_EQ(p_ship->getBox().getHorizontal(), 3);
+  EXPECT_EQ(p_boxed->getBox(), own_box);
+  writeSprite(file, "mauve", {"XXX"});
+  harness.step();
+  EXPECT_EQ(shipCells(harness), "<o>");
+  EXPECT_TRUE(harness.logContains("Unrecognized color 'mauve'"));
+  EXPECT_TRUE(harness.logContains("Sprite 'ship' keeps its old frames"));
+}
+
+TEST(HotReload, IsOffUnlessAskedFor) {
+  unsetenv("VANTOR_HOT_RELOAD");
+  vt::Harness harness;
+  ASSERT_EQ(harness.startUp(), 0);
+  loadShip(spriteFile(harness));
+  harness.step();
+  editShip(spriteFile(harness));
+  harness.step();
+  EXPECT_EQ(shipCells(harness), " B ");
+}
