@@ -82,6 +82,15 @@ bool boxIntersectsLine(const Box& box, const Line& line) {
   return true;
 }
 
+Vector cellOf(Vector where) {
+  return Vector(std::floor(where.getX() + 0.5f), std::floor(where.getY() + 0.5f));
+}
+
+Box shrinkBox(const Box& box, float margin) {
+  return Box(box.getCorner() + Vector(margin, margin), box.getHorizontal() - 2 * margin,
+             box.getVertical() - 2 * margin);
+}
+
 Box getWorldBox(const Object* p_object) {
   return getWorldBox(p_object, p_object->getPosition());
 }

@@ -25,6 +25,16 @@ bool boxIntersectsCircle(const Box& box, const Circle& circle);
 // True when the segment touches or crosses the box.
 bool boxIntersectsLine(const Box& box, const Line& line);
 
+// Cells are centred on whole coordinates: the cell of (3, 4) spans 2.5 to
+// 3.5 across and 3.5 to 4.5 down, and a point on the edge between two cells
+// belongs to the higher one, as on the screen. The centre of where's cell.
+Vector cellOf(Vector where);
+// How far a box that fits inside its cell keeps off the cell's edges, and
+// how far an object's box must reach into a cell to count as in it.
+const float CELL_MARGIN = 0.05f;
+// The box less margin on every side, about the same centre.
+Box shrinkBox(const Box& box, float margin);
+
 // The object's box translated to its position, or to where.
 Box getWorldBox(const Object* p_object);
 Box getWorldBox(const Object* p_object, const Vector& where);

@@ -20,8 +20,10 @@ const std::size_t VERTICES_PER_DRAW = 384;
 // middle gives plain colour for the cell backgrounds.
 const Edges WHITE_TEXEL = {1.0f, 1.0f, 1.0f, 1.0f};
 
-int clampedIndex(float position, float tile_size, int count) {
-  const float index = std::floor(position / tile_size);
+// The tile holding the position along one axis; positions beyond the
+// tiles count towards the tile at that end.
+int tileIndex(float position, float tile_size, float offset, int shift, int count) {
+  const float index = std::floor((position - offset) / tile_size) + static_cast<float>(shift);
   if (std::isnan(index)) return 0;
   return static_cast<int>(std::clamp(index, 0.0f, static_cast<float>(count - 1)));
 }
@@ -75,31 +77,44 @@ void Edges::subtract(const Edges& cover, std::vector<Edges>& rest) const {
   if (inside.right < right) rest.push_back({inside.right, inside.top, right, inside.bottom});
 }
 
-CellBatch::CellBatch(sf::Vector2f cell_size, int columns, int rows)
+CellBatch::CellBatch(sf::Vector2f cell_size, int columns, int rows,
+                     sf::Vector2f background_offset)
     : cell_size(cell_size),
-      columns(std::max(columns, 1)),
-      rows(std::max(rows, 1)),
-      window({0.0f, 0.0f, cell_size.x * static_cast<float>(this->columns),
-              cell_size.y * static_cast<float>(this->rows)}),
+      tile_offset(background_offset),
+      // Tiles shifted off the window's edges need one more column or row to
+      // cover it.
+      columns(std::max(columns, 1) + 1),
+      rows(std::max(rows, 1) + 1),
+      column_shift(background_offset.x > 0 ? 1 : 0),
+      row_shift(background_offset.y > 0 ? 1 : 0),
+      window({0.0f, 0.0f, cell_size.x * static_cast<float>(std::max(columns, 1)),
+              cell_size.y * static_cast<float>(std::max(rows, 1))}),
       glyphs_in_tile(static_cast<std::size_t>(this->columns * this->rows)),
       tile_hashes(glyphs_in_tile.size()),
       changed_tiles(glyphs_in_tile.size()) {
   quads.reserve(glyphs_in_tile.size() * QUADS_PER_CELL);
 }
 
+// Summed as a cell's background is, so that the edges are the very same
+// floats.
 Edges CellBatch::tileEdges(int column, int row) const {
-  return {cell_size.x * static_cast<float>(column), cell_size.y * static_cast<float>(row),
-          cell_size.x * static_cast<float>(column + 1), cell_size.y * static_cast<float>(row + 1)};
+  const auto x = [&](int edge) {
+    return cell_size.x * static_cast<float>(edge - column_shift) + tile_offset.x;
+  };
+  const auto y = [&](int edge) {
+    return cell_size.y * static_cast<float>(edge - row_shift) + tile_offset.y;
+  };
+  return {x(column), y(row), x(column + 1), y(row + 1)};
 }
 
 // Calls visit with the index and edges of every tile that shares pixels
 // with the rectangle.
 template <typename Visit>
 void CellBatch::forEachTile(const Edges& rect, Visit visit) const {
-  const int first_column = clampedIndex(rect.left, cell_size.x, columns);
-  const int last_column = clampedIndex(rect.right, cell_size.x, columns);
-  const int first_row = clampedIndex(rect.top, cell_size.y, rows);
-  const int last_row = clampedIndex(rect.bottom, cell_size.y, rows);
+  const int first_column = tileIndex(rect.left, cell_size.x, tile_offset.x, column_shift, columns);
+  const int last_column = tileIndex(rect.right, cell_size.x, tile_offset.x, column_shift, columns);
+  const int first_row = tileIndex(rect.top, cell_size.y, tile_offset.y, row_shift, rows);
+  const int last_row = tileIndex(rect.bottom, cell_size.y, tile_offset.y, row_shift, rows);
   for (int row = first_row; row <= last_row; row++) {
     for (int column = first_column; column <= last_column; column++) {
       const Edges tile = tileEdges(column, row);

@@ -30,6 +30,8 @@ struct Edges {
 
 // The characters of one frame, as one list of triangles over the font's
 // page texture in call order: each cell's background, then its glyph.
+// The window is cut into tiles the size of a cell, laid over the cells'
+// backgrounds.
 //
 // On a cleared window a background in the clear colour changes pixels only
 // where earlier glyphs reach into its cell, so only those overlaps are
@@ -42,7 +44,9 @@ struct Edges {
 // other kind in a frame makes that frame and the next one whole again.
 class CellBatch {
  public:
-  CellBatch(sf::Vector2f cell_size, int columns, int rows);
+  // Each cell's background is drawn at the offset from its cell: the
+  // tiles are laid out on the backgrounds.
+  CellBatch(sf::Vector2f cell_size, int columns, int rows, sf::Vector2f background_offset);
 
   // The window still holds the last frame when a frame starts.
   void setKeptPixels(bool kept) { kept_pixels = kept; }
@@ -92,8 +96,13 @@ class CellBatch {
   void forget();
 
   sf::Vector2f cell_size;
+  sf::Vector2f tile_offset;
+  // Of tiles.
   int columns;
   int rows;
+  // Tiles shifted right or down start a column or row before the window.
+  int column_shift;
+  int row_shift;
   Edges window;
   std::vector<Quad> quads;
   std::vector<Glyph> glyphs;

@@ -107,8 +107,9 @@ int DisplayManager::startUp() {
   } else {
     cell_width = charWidth();
     cell_height = charHeight();
-    p_cells = std::make_unique<CellBatch>(sf::Vector2f(cell_width, cell_height),
-                                          window_horizontal_chars, window_vertical_chars);
+    p_cells = std::make_unique<CellBatch>(
+        sf::Vector2f(cell_width, cell_height), window_horizontal_chars, window_vertical_chars,
+        sf::Vector2f(-backgroundInsetX(), backgroundInsetY()));
     p_back_buffer_copy = BackBufferCopy::forWindow(*p_window);
     p_cells->setKeptPixels(p_back_buffer_copy != nullptr);
   }
@@ -265,8 +266,8 @@ int DisplayManager::drawCh(Vector world_pos, char ch, unsigned char r, unsigned 
   const Vector far_view = (world_pos + Vector(1, 1)) - corner;
   const float far_x = far_view.getX() * cell_width;
   const float far_y = far_view.getY() * cell_height;
-  const float inset_x = cell_width / 10;
-  const float inset_y = cell_height / 5;
+  const float inset_x = backgroundInsetX();
+  const float inset_y = backgroundInsetY();
   p_cells->addBackground({px - inset_x, py + inset_y, far_x - inset_x, far_y + inset_y},
                          window_background_color);
   const sf::Vector2f glyph_position(px + static_cast<float>(shake_x),
@@ -293,6 +294,16 @@ void DisplayManager::addGlyph(sf::Uint32 code, sf::Vector2f position, sf::Color 
                      static_cast<float>(rect.left + rect.width) + GLYPH_PADDING,
                      static_cast<float>(rect.top + rect.height) + GLYPH_PADDING};
   p_cells->addGlyph(quad, tex, color);
+}
+
+// A cell's background sits a little left of and below the cell, where the
+// glyph's ink is.
+float DisplayManager::backgroundInsetX() const {
+  return cell_width / 10;
+}
+
+float DisplayManager::backgroundInsetY() const {
+  return cell_height / 5;
 }
 
 // The font keeps its glyphs where they are once made: they are looked up

@@ -86,6 +86,8 @@ class DisplayManager : public Manager {
   bool canDrawCells() const;
   void addGlyph(sf::Uint32 code, sf::Vector2f position, sf::Color color);
   const sf::Glyph& glyphFor(unsigned char code);
+  float backgroundInsetX() const;
+  float backgroundInsetY() const;
   // Draws the characters collected since the last flush.
   void flushCells();
 

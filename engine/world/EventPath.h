@@ -15,6 +15,14 @@ enum PathStatus {
   PATH_FOUND = 2,
 };
 
+// The steps a path may take from a cell: to any of its eight neighbours (a
+// diagonal step needs one of the two cells beside it free), or only up,
+// down, left and right, as in a grid game.
+enum PathDirections {
+  EIGHT_DIRECTIONS = 0,
+  FOUR_DIRECTIONS = 1,
+};
+
 // Tells an object that its path search ended, with the path when one was
 // found: waypoints from its start to its goal.
 class EventPath : public Event {

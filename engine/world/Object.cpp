@@ -364,6 +364,16 @@ int Object::setSprite(std::string sprite_label) {
   return 0;
 }
 
+Box Object::getInCellBox() const {
+  const Box cells =
+      animation.getSprite() == nullptr ? Box(Vector(-0.5f, -0.5f), 1.0f, 1.0f) : animation.getBox();
+  return shrinkBox(cells, CELL_MARGIN);
+}
+
+int Object::fitBoxInCell() {
+  return setBox(getInCellBox());
+}
+
 void Object::setShape(Shape new_shape) {
   shape = new_shape;
   modified[SHAPE] = true;
@@ -453,9 +463,9 @@ int Object::eventHandler(const Event* p_event) {
   return 1;
 }
 
-void Object::pathTo(Vector target) {
+void Object::pathTo(Vector target, PathDirections directions) {
   releasePathFind();
-  p_path_find = new (std::nothrow) PathFind(this, position, target);
+  p_path_find = new (std::nothrow) PathFind(this, position, target, directions);
   if (p_path_find == nullptr) {
     logManager().writeLog("Object::pathTo(): Error! Unable to allocate memory for PathFind.");
     return;
@@ -468,12 +478,12 @@ void Object::pathTo(Vector target) {
   setAvoidCollisions(true);
 }
 
-void Object::pathTo(Object* p_target) {
+void Object::pathTo(Object* p_target, PathDirections directions) {
   if (p_target == nullptr) {
     logManager().writeLog("Object::pathTo(): Error! Target object is NULL.");
     return;
   }
-  pathTo(p_target->getPosition());
+  pathTo(p_target->getPosition(), directions);
   if (p_path_find == nullptr) {
     logManager().writeLog("Object::pathTo(): path find not allocated!");
     return;
@@ -686,9 +696,18 @@ void Object::deserializePath(const std::string& str) {
 }
 
 int Object::draw() {
-  const int result = animation.draw(position);
-  if (shape.getType() != UNDEFINED_SHAPE) shape.draw(position);
+  const Vector at = getDrawPosition();
+  const int result = animation.draw(at);
+  if (shape.getType() != UNDEFINED_SHAPE) shape.draw(at);
   return result;
+}
+
+Vector Object::getDrawPosition() const {
+  if (!snap_to_cell) return position;
+  // Frames are centred, so the first character lies half a cell inside the
+  // box's corner; moving it onto its cell moves the others onto theirs.
+  const Vector first = position + animation.getBox().getCorner() + Vector(0.5f, 0.5f);
+  return position + (cellOf(first) - first);
 }
 
 }  // namespace vt

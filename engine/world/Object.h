@@ -9,6 +9,7 @@
 #include "core/Vector.h"
 #include "media/Animation.h"
 #include "media/Shape.h"
+#include "world/EventPath.h"
 
 namespace vt {
 
@@ -118,6 +119,17 @@ class Object {
   // Shows the resource manager's sprite of that label and takes its box;
   // -1 when there is no such sprite.
   int setSprite(std::string sprite_label);
+  // The sprite's box (one cell without a sprite) less CELL_MARGIN on every
+  // side: it fills the sprite's cells without reaching their edges, so that
+  // objects in neighbouring cells do not touch. Boxes that share an edge
+  // collide, and block each other's path searches.
+  Box getInCellBox() const;
+  // Takes the in-cell box as the object's box: call it after setSprite.
+  int fitBoxInCell();
+  // Draws the object with each character on the whole cell nearest to where
+  // it would be drawn; the position itself is kept.
+  void setSnapToCell(bool new_snap_to_cell = true) { snap_to_cell = new_snap_to_cell; }
+  bool getSnapToCell() const { return snap_to_cell; }
   void setShape(Shape new_shape);
   Shape getShape() const { return shape; }
 
@@ -127,10 +139,10 @@ class Object {
   bool getFollowPath() const { return follow_path; }
   // Starts a search for a path to the target; the path is followed once
   // found. A search under way is abandoned.
-  void pathTo(Vector target);
+  void pathTo(Vector target, PathDirections directions = EIGHT_DIRECTIONS);
   // As pathTo(position), for a path to the object's position; the other
   // object does not block the way to itself.
-  void pathTo(Object* p_target);
+  void pathTo(Object* p_target, PathDirections directions = EIGHT_DIRECTIONS);
   // Moves along the path: called by the world update after the move.
   void stepPath();
   // Adds the acceleration to the velocity: called after stepPath.
@@ -144,6 +156,9 @@ class Object {
  protected:
   // Lets subclasses raise or clear a group's modified flag.
   void setModified(int attribute, bool value = true);
+  // Where draw puts the object: its position, moved onto whole cells when
+  // it snaps to them.
+  Vector getDrawPosition() const;
 
  private:
   void pointAtFirstWaypoint();
@@ -184,6 +199,7 @@ class Object {
   std::list<Vector> path;
   bool follow_path = false;
   bool avoid_collisions = false;
+  bool snap_to_cell = false;
 };
 
 }  // namespace vt

@@ -36,8 +36,9 @@ bool PathFind::ExpandsLater::operator()(const OpenEntry& a, const OpenEntry& b) 
   return a.f > b.f || (a.f == b.f && a.g < b.g);
 }
 
-PathFind::PathFind(Object* p_init_object, Vector start_position, Vector goal_position)
-    : p_object(p_init_object) {
+PathFind::PathFind(Object* p_init_object, Vector start_position, Vector goal_position,
+                   PathDirections init_directions)
+    : p_object(p_init_object), directions(init_directions) {
   const LogManager& log_manager = LogManager::getInstance();
   if (p_object == nullptr) {
     log_manager.writeLog("PathFind()::PathFind(): Fatal error! Object pointer is NULL.");
@@ -140,6 +141,7 @@ bool PathFind::passable(Cell cell) {
 float PathFind::heuristic(Cell cell) const {
   const auto dx = static_cast<float>(goal.x - cell.x);
   const auto dy = static_cast<float>(goal.y - cell.y);
+  if (directions == FOUR_DIRECTIONS) return std::fabs(dx) + std::fabs(dy);
   return std::sqrt(dx * dx + dy * dy);
 }
 
@@ -176,17 +178,48 @@ int PathFind::cycleOnce() {
   Cell current;
   if (!popOpen(current)) return PATH_NOT_FOUND;
   if (!allocateAround(current)) return PATH_NOT_FOUND;
+  // Checked when the search starts, once the target is known: a path would
+  // otherwise lead into the wall, whose cell counts as the goal's occupant.
+  if (current == start) {
+    const Object* p_wall = wallAtGoal();
+    if (p_wall != nullptr) {
+      logNoPath(("the goal lies inside a HARD '" + p_wall->getType() + "'").c_str());
+      return PATH_NOT_FOUND;
+    }
+  }
   if (current == goal) {
     found = true;
     return PATH_FOUND;
   }
   for (int dy = -1; dy <= 1; dy++) {
     for (int dx = -1; dx <= 1; dx++) {
+      const bool diagonal = dx != 0 && dy != 0;
+      if ((dx == 0 && dy == 0) || (diagonal && directions == FOUR_DIRECTIONS)) continue;
       const Cell next{current.x + dx, current.y + dy};
-      if ((dx != 0 || dy != 0) && canStep(current, next)) relax(current, next);
+      if (canStep(current, next)) relax(current, next);
     }
   }
-  return open_count > 0 ? PATH_SEARCHING : PATH_NOT_FOUND;
+  if (open_count > 0) return PATH_SEARCHING;
+  logNoPath("every cell it can reach was searched");
+  return PATH_NOT_FOUND;
+}
+
+const Object* PathFind::wallAtGoal() const {
+  for (const Object* p_other : WorldManager::getInstance().objectsInCell(toWorld(goal))) {
+    if (p_other->getSolidness() == HARD && p_other != p_object && p_other != p_target) {
+      return p_other;
+    }
+  }
+  return nullptr;
+}
+
+void PathFind::logNoPath(const char* reason) const {
+  const Vector from = toWorld(start);
+  const Vector to = toWorld(goal);
+  LogManager::getInstance().writeLog(
+      "PathFind::cycleOnce(): No path from (%g, %g) to (%g, %g): %s.",
+      static_cast<double>(from.getX()), static_cast<double>(from.getY()),
+      static_cast<double>(to.getX()), static_cast<double>(to.getY()), reason);
 }
 
 bool PathFind::canStep(Cell from, Cell to) {

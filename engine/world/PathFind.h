@@ -31,7 +31,8 @@ class PathFind {
 
   // A null object, or a start or goal outside the world, leaves the search
   // unusable: its first step ends it without a path.
-  PathFind(Object* p_init_object, Vector start_position, Vector goal_position);
+  PathFind(Object* p_init_object, Vector start_position, Vector goal_position,
+           PathDirections init_directions = EIGHT_DIRECTIONS);
   PathFind(const PathFind&) = delete;
   PathFind& operator=(const PathFind&) = delete;
 
@@ -41,7 +42,9 @@ class PathFind {
   Object* getTarget() const { return p_target; }
 
   // Expands the open cell of lowest f: PATH_FOUND once the goal is reached,
-  // PATH_SEARCHING while open cells remain, else PATH_NOT_FOUND.
+  // PATH_SEARCHING while open cells remain, else PATH_NOT_FOUND, logged.
+  // A goal inside a HARD object other than the target ends the search at
+  // its first step, without a path.
   int cycleOnce();
   // The waypoints from start to goal in world coordinates, both included;
   // empty while no path is found.
@@ -90,6 +93,11 @@ class PathFind {
   bool isPassable(Cell cell) const;
   // isPassable, asked once per cell and search.
   bool passable(Cell cell);
+  // The first HARD object, other than the asker and its target, that
+  // stands in the goal's cell; null when there is none.
+  const Object* wallAtGoal() const;
+  // Logs why the search ends without a path.
+  void logNoPath(const char* reason) const;
   // A diagonal step needs at least one of the two cells beside it free.
   bool canStep(Cell from, Cell to);
   void relax(Cell from, Cell to);
@@ -106,6 +114,7 @@ class PathFind {
   int columns = 0;
   Cell start;
   Cell goal;
+  PathDirections directions;
   bool usable = false;
   std::unordered_map<long long, std::unique_ptr<Node[]>> tiles;
   // A deque, so that a growing list never copies itself within one step.

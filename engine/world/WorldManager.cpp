@@ -280,6 +280,11 @@ ObjectList WorldManager::objectsAtPosition(Vector where) const {
   return objectsInBox(cell);
 }
 
+ObjectList WorldManager::objectsInCell(Vector where) const {
+  const Box cell(cellOf(where) - Vector(0.5f, 0.5f), 1.0f, 1.0f);
+  return objectsInBox(shrinkBox(cell, CELL_MARGIN));
+}
+
 ObjectList WorldManager::objectsInBox(Box box) const {
   return activeObjectsWhere(
       [&box](const Box& object_box) { return boxIntersectsBox(object_box, box); });

@@ -42,6 +42,10 @@ class WorldManager : public Manager {
   // The solid objects that p_object's box would touch at where.
   ObjectList getCollisions(const Object* p_object, Vector where) const;
   ObjectList objectsAtPosition(Vector where) const;
+  // What is in where's cell (see cellOf): the active objects whose box
+  // reaches at least CELL_MARGIN into it, not those that only touch its
+  // edge from a neighbouring cell.
+  ObjectList objectsInCell(Vector where) const;
   ObjectList objectsInBox(Box box) const;
   ObjectList objectsInCircle(Circle circle) const;
   ObjectList objectsOnLine(Line line) const;

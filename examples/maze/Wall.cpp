@@ -1,0 +1,8 @@
+#include "Wall.h"
+
+Wall::Wall(vt::Vector at) {
+  setType("Wall");
+  setSprite("wall");
+  fitBoxInCell();
+  setPosition(at);
+}
