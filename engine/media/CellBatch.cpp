@@ -53,6 +53,22 @@ std::uint64_t paintHash(const Edges& quad, const Edges& tex, sf::Color color) {
   return mixed(hash, color.toInteger());
 }
 
+bool isWhole(const Edges& part, const Edges& rect) {
+  return part.left == rect.left && part.top == rect.top && part.right == rect.right &&
+         part.bottom == rect.bottom;
+}
+
+// Pixels are filled where their centres lie. A rectangle within a
+// rasterizer's rounding (a 128th of a pixel) of a centre counts as holding
+// it.
+bool holdsPixelCentre(const Edges& rect) {
+  const float slack = 1.0f / 128.0f;
+  const auto holds = [&](float from, float to) {
+    return std::ceil(from - 0.5f - slack) < std::ceil(to - 0.5f + slack);
+  };
+  return holds(rect.left, rect.right) && holds(rect.top, rect.bottom);
+}
+
 // The texture edges of the part of the quad that is cut out, by the same
 // proportions as the quad's own.
 Edges cutTexture(const Edges& quad, const Edges& tex, const Edges& cut) {
@@ -77,8 +93,7 @@ void Edges::subtract(const Edges& cover, std::vector<Edges>& rest) const {
   if (inside.right < right) rest.push_back({inside.right, inside.top, right, inside.bottom});
 }
 
-CellBatch::CellBatch(sf::Vector2f cell_size, int columns, int rows,
-                     sf::Vector2f background_offset)
+CellBatch::CellBatch(sf::Vector2f cell_size, int columns, int rows, sf::Vector2f background_offset)
     : cell_size(cell_size),
       tile_offset(background_offset),
       // Tiles shifted off the window's edges need one more column or row to
@@ -139,9 +154,9 @@ void CellBatch::addBackground(const Edges& cell, sf::Color color) {
   // of: from there on backgrounds are drawn whole.
   if (color != clear_color) plain_background = false;
   if (plain_background) {
-    addOverlaps(cell, color);
+    paintOverGlyphs(cell);
   } else {
-    addQuad(cell, WHITE_TEXEL, color);
+    quads.push_back({cell, WHITE_TEXEL, color, NO_GLYPH});
   }
 }
 
@@ -151,9 +166,8 @@ void CellBatch::addGlyph(const Edges& quad, const Edges& tex, sf::Color color) {
   if (index == glyphs.size()) glyphs.emplace_back();
   Glyph& glyph = glyphs[index];
   glyph.pieces.assign(1, quad);
-  glyph.quads.assign(1, quads.size());
   glyph.stamp = 0;
-  addQuad(quad, tex, color);
+  quads.push_back({quad, tex, color, index});
   const std::uint64_t hash = kept_pixels ? paintHash(quad, tex, color) : 0;
   forEachTile(quad, [&](std::size_t tile, const Edges&) {
     glyphs_in_tile[tile].push_back(index);
@@ -192,9 +206,8 @@ void CellBatch::clearIfNeeded(sf::RenderTarget& target) {
 void CellBatch::drawWhole(sf::RenderTarget& target, const sf::Texture& texture) {
   clearIfNeeded(target);
   vertices.clear();
-  for (const Quad& quad : quads) {
-    if (!quad.rect.isEmpty()) addVertices(quad.rect, quad.tex, quad.color);
-  }
+  forEachDrawnPart(
+      [&](const Edges& rect, const Edges& tex, sf::Color color) { addVertices(rect, tex, color); });
   drawVertices(target, texture);
 }
 
@@ -223,16 +236,16 @@ void CellBatch::drawChangedTiles(sf::RenderTarget& target, const sf::Texture& te
     const int row = static_cast<int>(tile) / columns;
     addVertices(tileEdges(column, row), WHITE_TEXEL, clear_color);
   }
-  for (const Quad& quad : quads) {
-    if (!quad.rect.isEmpty()) addChangedParts(quad);
-  }
+  forEachDrawnPart([&](const Edges& rect, const Edges& tex, sf::Color color) {
+    addChangedParts(rect, tex, color);
+  });
   drawVertices(target, texture);
 }
 
-void CellBatch::addChangedParts(const Quad& quad) {
+void CellBatch::addChangedParts(const Edges& rect, const Edges& tex, sf::Color color) {
   runs.clear();
   bool all_changed = true;
-  forEachTile(quad.rect, [&](std::size_t tile, const Edges& edges) {
+  forEachTile(rect, [&](std::size_t tile, const Edges& edges) {
     if (!changed_tiles[tile]) {
       all_changed = false;
       return;
@@ -246,12 +259,12 @@ void CellBatch::addChangedParts(const Quad& quad) {
     }
   });
   if (all_changed) {
-    addVertices(quad.rect, quad.tex, quad.color);
+    addVertices(rect, tex, color);
     return;
   }
   for (const Edges& run : runs) {
-    const Edges cut = quad.rect.intersection(run);
-    addVertices(cut, cutTexture(quad.rect, quad.tex, cut), quad.color);
+    const Edges cut = rect.intersection(run);
+    addVertices(cut, cutTexture(rect, tex, cut), color);
   }
 }
 
@@ -271,12 +284,12 @@ void CellBatch::forget() {
   for (std::vector<std::size_t>& tile : glyphs_in_tile) tile.clear();
 }
 
-// The parts of the cell that earlier glyphs cover, each glyph once. What
-// is painted over is forgotten: many glyphs drawn into one cell (a heads-
-// up display drawn over itself) then cost one quad each, not one for every
-// later background. A glyph painted over whole is dropped with the quads
-// that painted it: the plain background shows there either way.
-void CellBatch::addOverlaps(const Edges& cell, sf::Color color) {
+// A background in the clear colour paints over the parts of earlier glyphs
+// in its cell, each glyph once: those parts are not drawn at all, which
+// leaves the clear colour there as painting would. Glyphs painted over
+// whole leave the tile, so that a cell drawn over many times (a heads-up
+// display drawn over itself) is not walked over all its past glyphs.
+void CellBatch::paintOverGlyphs(const Edges& cell) {
   stamp++;
   forEachTile(cell, [&](std::size_t tile, const Edges&) {
     std::vector<std::size_t>& indices = glyphs_in_tile[tile];
@@ -285,36 +298,33 @@ void CellBatch::addOverlaps(const Edges& cell, sf::Color color) {
       if (glyph.stamp == stamp) continue;
       glyph.stamp = stamp;
       unpainted.clear();
-      for (const Edges& piece : glyph.pieces) {
-        const Edges overlap = cell.intersection(piece);
-        if (!overlap.isEmpty()) {
-          glyph.quads.push_back(quads.size());
-          addQuad(overlap, WHITE_TEXEL, color);
-        }
-        piece.subtract(cell, unpainted);
-      }
+      for (const Edges& piece : glyph.pieces) piece.subtract(cell, unpainted);
       glyph.pieces.swap(unpainted);
-      if (glyph.pieces.empty()) dropQuads(glyph.quads);
     }
-    // Glyphs painted over whole leave the tile, so that a cell drawn over
-    // many times is not walked over all its past glyphs each time.
     indices.erase(std::remove_if(indices.begin(), indices.end(),
                                  [&](std::size_t index) { return glyphs[index].pieces.empty(); }),
                   indices.end());
   });
 }
 
-// A quad painted over whole is emptied: it draws nothing.
-void CellBatch::dropQuads(std::vector<std::size_t>& indices) {
-  for (const std::size_t index : indices) {
-    Edges& rect = quads[index].rect;
-    rect.right = rect.left;
+// Calls draw with every rectangle the frame draws, in order: backgrounds
+// drawn whole, and the parts of each glyph nothing painted over. Parts that
+// hold no pixel's centre would draw nothing and are left out.
+template <typename Draw>
+void CellBatch::forEachDrawnPart(Draw draw) const {
+  for (const Quad& quad : quads) {
+    if (quad.glyph == NO_GLYPH) {
+      draw(quad.rect, quad.tex, quad.color);
+      continue;
+    }
+    for (const Edges& piece : glyphs[quad.glyph].pieces) {
+      if (isWhole(piece, quad.rect)) {
+        draw(quad.rect, quad.tex, quad.color);
+      } else if (holdsPixelCentre(piece)) {
+        draw(piece, cutTexture(quad.rect, quad.tex, piece), quad.color);
+      }
+    }
   }
-  indices.clear();
-}
-
-void CellBatch::addQuad(const Edges& rect, const Edges& tex, sf::Color color) {
-  quads.push_back({rect, tex, color});
 }
 
 // Two triangles, in the order sf::Text builds a glyph. The vertices are

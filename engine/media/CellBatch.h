@@ -34,12 +34,12 @@ struct Edges {
 // backgrounds.
 //
 // On a cleared window a background in the clear colour changes pixels only
-// where earlier glyphs reach into its cell, so only those overlaps are
-// drawn: the picture is the same with far fewer pixels filled. Glyphs are
-// found through a grid of cell-sized tiles.
+// where earlier glyphs reach into its cell: instead of drawing it, those
+// parts of the glyphs are left out. The picture is the same with far fewer
+// pixels filled. Glyphs are found through the tiles they reach into.
 //
 // Where the window keeps its pixels from one frame to the next, the end of
-// a frame redraws only the tiles whose triangles changed: each such tile is
+// a frame redraws only the tiles whose drawing changed: each such tile is
 // cleared and the frame's triangles are drawn cut to it. Drawing of any
 // other kind in a frame makes that frame and the next one whole again.
 class CellBatch {
@@ -64,16 +64,16 @@ class CellBatch {
  private:
   // A rectangle of texture stretched over a rectangle of the window, in a
   // colour: a quarter of the memory of its six vertices.
+  // A glyph's quad is drawn as the parts of it no background painted over.
   struct Quad {
     Edges rect;
     Edges tex;
     sf::Color color;
+    std::size_t glyph;
   };
-  // A glyph's quad, the parts of it not yet painted over, and the indices
-  // of its quad and of the quads painted over it.
+  static constexpr std::size_t NO_GLYPH = static_cast<std::size_t>(-1);
   struct Glyph {
     std::vector<Edges> pieces;
-    std::vector<std::size_t> quads;
     unsigned int stamp = 0;
   };
 
@@ -82,15 +82,15 @@ class CellBatch {
   Edges tileEdges(int column, int row) const;
   template <typename Visit>
   void forEachTile(const Edges& rect, Visit visit) const;
-  void addOverlaps(const Edges& cell, sf::Color color);
-  void dropQuads(std::vector<std::size_t>& indices);
-  void addQuad(const Edges& rect, const Edges& tex, sf::Color color);
+  void paintOverGlyphs(const Edges& cell);
+  template <typename Draw>
+  void forEachDrawnPart(Draw draw) const;
   void clearIfNeeded(sf::RenderTarget& target);
   void drawWhole(sf::RenderTarget& target, const sf::Texture& texture);
   void hashIntoTiles(const Edges& rect, std::uint64_t hash);
   std::size_t markChangedTiles();
   void drawChangedTiles(sf::RenderTarget& target, const sf::Texture& texture);
-  void addChangedParts(const Quad& quad);
+  void addChangedParts(const Edges& rect, const Edges& tex, sf::Color color);
   void addVertices(const Edges& rect, const Edges& tex, sf::Color color);
   void drawVertices(sf::RenderTarget& target, const sf::Texture& texture);
   void forget();
