@@ -4,7 +4,8 @@
 set -euo pipefail
 
 PACKAGES=(g++ cmake ninja-build make libsfml-dev libx11-dev libgtest-dev libbenchmark-dev
-          xvfb xdotool tmux imagemagick fonts-dejavu-core clang libclang-rt-14-dev)
+          xvfb xdotool tmux imagemagick fonts-dejavu-core clang libclang-rt-14-dev
+          python3)
 
 missing=()
 for package in "${PACKAGES[@]}"; do
