@@ -230,16 +230,25 @@ std::size_t CellBatch::markChangedTiles() {
 
 void CellBatch::drawChangedTiles(sf::RenderTarget& target, const sf::Texture& texture) {
   vertices.clear();
-  for (std::size_t tile = 0; tile < changed_tiles.size(); tile++) {
-    if (!changed_tiles[tile]) continue;
-    const int column = static_cast<int>(tile) % columns;
-    const int row = static_cast<int>(tile) / columns;
-    addVertices(tileEdges(column, row), WHITE_TEXEL, clear_color);
+  // Each run of changed tiles in a row is cleared at once.
+  for (int row = 0; row < rows; row++) {
+    for (int column = 0; column < columns; column++) {
+      if (!isChanged(column, row)) continue;
+      Edges run = tileEdges(column, row);
+      while (column + 1 < columns && isChanged(column + 1, row)) {
+        run.right = tileEdges(++column, row).right;
+      }
+      addVertices(run, WHITE_TEXEL, clear_color);
+    }
   }
   forEachDrawnPart([&](const Edges& rect, const Edges& tex, sf::Color color) {
     addChangedParts(rect, tex, color);
   });
   drawVertices(target, texture);
+}
+
+bool CellBatch::isChanged(int column, int row) const {
+  return changed_tiles[static_cast<std::size_t>(row * columns + column)] != 0;
 }
 
 void CellBatch::addChangedParts(const Edges& rect, const Edges& tex, sf::Color color) {

@@ -90,6 +90,7 @@ class CellBatch {
   void hashIntoTiles(const Edges& rect, std::uint64_t hash);
   std::size_t markChangedTiles();
   void drawChangedTiles(sf::RenderTarget& target, const sf::Texture& texture);
+  bool isChanged(int column, int row) const;
   void addChangedParts(const Edges& rect, const Edges& tex, sf::Color color);
   void addVertices(const Edges& rect, const Edges& tex, sf::Color color);
   void drawVertices(sf::RenderTarget& target, const sf::Texture& texture);
