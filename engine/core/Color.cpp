@@ -1,5 +1,7 @@
 #include "core/Color.h"
 
+#include <cctype>
+
 #include "core/LogManager.h"
 
 namespace vt {
@@ -24,6 +26,17 @@ bool isNamedColor(Color color) {
 
 std::string colorToString(Color color) {
   return isNamedColor(color) ? COLOR_TABLE[color].name : "Unknown color";
+}
+
+bool colorFromName(const std::string& name, Color& color) {
+  for (int named = BLACK; named <= WHITE; named++) {
+    std::string lower = COLOR_TABLE[named].name;
+    lower[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(lower[0])));
+    if (name != lower) continue;
+    color = static_cast<Color>(named);
+    return true;
+  }
+  return false;
 }
 
 void colorToRGB(Color color, unsigned char& r, unsigned char& g, unsigned char& b) {

@@ -265,18 +265,11 @@ void Config::storeSettings() {
 
 void Config::readBackgroundColor(const std::string& value) {
   if (value.empty()) return;
-  // "red" is listed twice, so yellow cannot be chosen from the file; the
-  // table is kept as it has always been read.
-  static const struct {
-    const char* name;
-    Color color;
-  } NAMES[] = {{"black", BLACK}, {"red", RED},         {"green", GREEN}, {"red", YELLOW},
-               {"blue", BLUE},   {"magenta", MAGENTA}, {"cyan", CYAN},   {"white", WHITE}};
-  for (const auto& entry : NAMES) {
-    if (value == entry.name) {
-      window_background_color = entry.color;
-      return;
-    }
+  // The window has every named colour but yellow.
+  Color color = BLACK;
+  if (colorFromName(value, color) && color != YELLOW) {
+    window_background_color = color;
+    return;
   }
   warnUnsupported("window color", value);
   noteBadValue("window_background_color",

@@ -4,10 +4,10 @@
 #include <string>
 
 #include "core/Manager.h"
+#include "core/Version.h"
 
 namespace vt {
 
-const float VANTOR_VERSION = 4.17f;
 // The exit status of a game whose replay (VANTOR_REPLAY) did not unfold as
 // recorded.
 const int REPLAY_FAILED_STATUS = 3;
@@ -40,6 +40,12 @@ class GameManager : public Manager {
   int getFrameTime() const { return frame_time; }
   int getStepCount() const { return step_count; }
 
+  // The manager that delivers events of this type: the game manager
+  // "vt-step", the input manager the keyboard's and the mouse's, the network
+  // manager the network's, the world manager every other. Unregistering from
+  // "vt-custom-network" goes to the world manager, unlike registering for it.
+  static Manager& managerFor(const std::string& event_type, bool unregistering = false);
+
  private:
   GameManager();
 
@@ -59,6 +65,10 @@ class GameManager : public Manager {
   // The path searches' share of the frame: 95 % of what is left of it, in
   // whole milliseconds; negative when the frame is already late.
   int pathBudget(const class Clock& clock, std::int64_t adjust_time) const;
+  // The network's share of the frame: 20 % of it, in microseconds.
+  long long networkBudget() const;
+  // Sets the step count, and the one the log stamps its lines with.
+  void setStepCount(int new_step_count);
   // Sleeps away the rest of the frame and returns the new oversleep.
   std::int64_t sleepRestOfFrame(const class Clock& clock, std::int64_t adjust_time) const;
   // The frame time in microseconds, wide enough for any frame time.

@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "core/Config.h"
-#include "core/GameManager.h"
 #include "core/Utility.h"
 
 namespace vt {
@@ -24,10 +23,7 @@ LogManager& LogManager::getInstance() {
 }
 
 int LogManager::startUp() {
-  if (isStarted()) {
-    writeLog("%s::startup(): Warning! %s already started.", getType().c_str(), getType().c_str());
-    return -1;
-  }
+  if (alreadyStarted()) return -1;
   const char* p_override = std::getenv("VANTOR_LOG");
   log_file_name = p_override ? p_override : Config::getInstance().getLogFile();
   p_file = std::fopen(log_file_name.c_str(), "w");
@@ -83,7 +79,7 @@ int LogManager::writeLine(FILE* p_stream, int level, const char* format, va_list
   bool failed = false;
   if (log_time_string) failed |= std::fprintf(p_target, "%s ", getTimeString()) < 0;
   if (log_step_count) {
-    failed |= std::fprintf(p_target, "%4d ", GameManager::getInstance().getStepCount()) < 0;
+    failed |= std::fprintf(p_target, "%4d ", step_count) < 0;
   }
   const int length = std::vfprintf(p_target, format, args);
   failed |= length < 0;
@@ -103,15 +99,23 @@ int LogManager::writeLog(int level, const char* format, ...) const {
 int LogManager::writeLog(const char* format, ...) const {
   va_list args;
   va_start(args, format);
-  va_list message_args;
-  va_copy(message_args, args);
-  char message[512];
-  std::vsnprintf(message, sizeof(message), format, message_args);
-  va_end(message_args);
-  last_message = message;
   const int result = writeLine(p_file, log_level, format, args);
   va_end(args);
   return result;
+}
+
+std::string LogManager::writeLogText(const char* format, ...) const {
+  va_list args;
+  va_start(args, format);
+  va_list size_args;
+  va_copy(size_args, args);
+  const int length = std::vsnprintf(nullptr, 0, format, size_args);
+  va_end(size_args);
+  std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+  std::vsnprintf(text.data(), text.size() + 1, format, args);
+  va_end(args);
+  writeLog("%s", text.c_str());
+  return text;
 }
 
 FILE* LogManager::streamFor(const std::string& file_name) {
@@ -134,19 +138,17 @@ FILE* LogManager::streamFor(const std::string& file_name) {
 }
 
 int LogManager::writeMyLog(const std::string& file_name, int, const char* format, ...) {
-  FILE* p_stream = streamFor(file_name);
   va_list args;
   va_start(args, format);
-  const int result = writeLine(p_stream, log_level, format, args);
+  const int result = writeLine(streamFor(file_name), log_level, format, args);
   va_end(args);
   return result;
 }
 
 int LogManager::writeMyLog(const std::string& file_name, const char* format, ...) {
-  FILE* p_stream = streamFor(file_name);
   va_list args;
   va_start(args, format);
-  const int result = writeLine(p_stream, log_level, format, args);
+  const int result = writeLine(streamFor(file_name), log_level, format, args);
   va_end(args);
   return result;
 }

@@ -28,6 +28,9 @@ class LogManager : public Manager {
   int writeLog(int level, const char* format, ...) const VT_PRINTF(3);
   // A line that is always written.
   int writeLog(const char* format, ...) const VT_PRINTF(2);
+  // The same line, written the same way; returns its text, without the
+  // stamp, for a caller that keeps it too (why a manager did not start).
+  std::string writeLogText(const char* format, ...) const VT_PRINTF(2);
   // A line written to a file of its own, opened on first use; always written
   // (the level is accepted for symmetry and not used).
   int writeMyLog(const std::string& file_name, int level, const char* format, ...) VT_PRINTF(4);
@@ -35,9 +38,6 @@ class LogManager : public Manager {
 
   // The file the log goes to, or was to go to when it could not be opened.
   std::string getLogFileName() const { return log_file_name; }
-  // The text of the last line written with writeLog's unlevelled form
-  // (warnings and errors), without its stamp.
-  std::string getLastMessage() const { return last_message; }
 
   // Writes every line still buffered to its file. The game loop calls it
   // at the end of every step, so that a game killed at any moment leaves a
@@ -48,6 +48,8 @@ class LogManager : public Manager {
   int getLogLevel() const { return log_level; }
   void setLogTimeString(bool new_log_time_string) { log_time_string = new_log_time_string; }
   void setLogStepCount(bool new_log_step_count) { log_step_count = new_log_step_count; }
+  // The game loop's step count that stamps each line; the loop sets it.
+  void setStepCount(int new_step_count) { step_count = new_step_count; }
 
  private:
   LogManager();
@@ -62,9 +64,9 @@ class LogManager : public Manager {
   int log_level = 0;
   bool log_time_string = true;
   bool log_step_count = true;
+  int step_count = 0;
   FILE* p_file = nullptr;
   std::string log_file_name;
-  mutable std::string last_message;
   std::map<std::string, FILE*> extra_files;
 };
 

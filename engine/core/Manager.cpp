@@ -32,6 +32,19 @@ bool Manager::notStarted() const {
   return true;
 }
 
+bool Manager::alreadyStarted() {
+  start_failure.clear();
+  if (!is_started) return false;
+  failStart(LogManager::getInstance().writeLogText("%s::startup(): Warning! %s already started.",
+                                                   type.c_str(), type.c_str()));
+  return true;
+}
+
+int Manager::failStart(std::string reason) {
+  start_failure = std::move(reason);
+  return -1;
+}
+
 int Manager::findSlot(const std::string& event_type) const {
   for (int i = 0; i < event_count; i++) {
     if (event_name[i] == event_type) return i;

@@ -27,6 +27,9 @@ class Manager {
   std::string getType() const { return type; }
   void setType(std::string new_type) { type = std::move(new_type); }
   bool isStarted() const { return is_started; }
+  // Why the last startUp failed, as its log line said it; "" when it did
+  // not fail, or failed without a word.
+  std::string getStartFailure() const { return start_failure; }
 
   int registerInterest(Object* p_object, std::string event_type);
   int unregisterInterest(Object* p_object, std::string event_type);
@@ -37,12 +40,19 @@ class Manager {
  protected:
   // Logs "<type> not started!" and returns true when the manager is down.
   bool notStarted() const;
+  // Called first by every startUp: forgets the last start's failure, then
+  // logs "<type>::startup(): Warning! <type> already started." and returns
+  // true when the manager is up, which fails this start.
+  bool alreadyStarted();
+  // Keeps the reason this start fails and returns -1, for a startUp to return.
+  int failStart(std::string reason);
 
  private:
   int findSlot(const std::string& event_type) const;
 
   std::string type = "Manager";
   bool is_started = false;
+  std::string start_failure;
   int event_count = 0;
   std::string event_name[MAX_EVENTS];
   ObjectList obj_list[MAX_EVENTS];

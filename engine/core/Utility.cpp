@@ -10,7 +10,6 @@
 #include <sstream>
 
 #include "core/LogManager.h"
-#include "world/Object.h"
 
 namespace vt {
 
@@ -89,16 +88,6 @@ Vector cellOf(Vector where) {
 Box shrinkBox(const Box& box, float margin) {
   return Box(box.getCorner() + Vector(margin, margin), box.getHorizontal() - 2 * margin,
              box.getVertical() - 2 * margin);
-}
-
-Box getWorldBox(const Object* p_object) {
-  return getWorldBox(p_object, p_object->getPosition());
-}
-
-Box getWorldBox(const Object* p_object, const Vector& where) {
-  Box box = p_object->getBox();
-  box.setCorner(box.getCorner() + where);
-  return box;
 }
 
 std::string toString(float value) {

@@ -10,8 +10,6 @@
 
 namespace vt {
 
-class Object;
-
 // True when min <= value <= max.
 bool valueInRange(float value, float min, float max);
 
@@ -34,10 +32,6 @@ Vector cellOf(Vector where);
 const float CELL_MARGIN = 0.05f;
 // The box less margin on every side, about the same centre.
 Box shrinkBox(const Box& box, float margin);
-
-// The object's box translated to its position, or to where.
-Box getWorldBox(const Object* p_object);
-Box getWorldBox(const Object* p_object, const Vector& where);
 
 // The float as a standard stream writes it by default ("1", "-0.5", "3.25").
 std::string toString(float value);

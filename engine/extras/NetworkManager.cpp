@@ -26,9 +26,6 @@ namespace vt {
 namespace {
 
 const int LISTEN_BACKLOG = 5;
-// Share of the frame the game loop gives to network input.
-const float NETWORK_SHARE = 0.2f;
-
 // The failure's line, then the error code and its text on a line of its own.
 void logFailure(const char* line, int code, const char* reason) {
   const LogManager& log_manager = LogManager::getInstance();
@@ -126,11 +123,7 @@ bool NetworkManager::isValid(std::string event_type) const {
 
 int NetworkManager::startUp() {
   const LogManager& log_manager = LogManager::getInstance();
-  if (isStarted()) {
-    log_manager.writeLog("%s::startup(): Warning! %s already started.", getType().c_str(),
-                         getType().c_str());
-    return -1;
-  }
+  if (alreadyStarted()) return -1;
   Manager::startUp();
   log_manager.writeLog("NetworkManager::startUp(): successfully started.");
   return 0;
@@ -368,9 +361,8 @@ int NetworkManager::refuseMessage(int sock_index, int size) {
   return -1;
 }
 
-int NetworkManager::processFrame(const Clock& clock, int frame_time) {
+int NetworkManager::processFrame(const Clock& clock, long long budget) {
   if (is_server) accept();
-  const auto budget = static_cast<long long>(NETWORK_SHARE * frame_time * 1000.0f);
   const long long deadline = clock.split() + budget;
   int delivered = 0;
   int pass_delivered = 0;

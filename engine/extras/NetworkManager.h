@@ -79,9 +79,10 @@ class NetworkManager : public Manager {
   // The game loop's network step: accepts one client when serving, then
   // makes passes of genDataEvents over every connection while a pass
   // delivers something, or takes in part of a message and more input comes
-  // before the deadline, 20 % of the frame (frame_time in milliseconds)
-  // from the start of the step. Returns the number of data events raised.
-  int processFrame(const Clock& clock, int frame_time);
+  // before the deadline, the budget (in microseconds, the loop gives 20 %
+  // of the frame) past the clock's split. Returns the number of data events
+  // raised.
+  int processFrame(const Clock& clock, long long budget);
 
   int getNumConnections() const { return static_cast<int>(connections.size()); }
   bool isServer() const { return is_server; }

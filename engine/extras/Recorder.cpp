@@ -49,12 +49,14 @@ Recorder& Recorder::getInstance() {
 }
 
 int Recorder::startFromEnvironment() {
+  // A replay that failed in an earlier session of this process does not
+  // end this one.
+  failure.clear();
   const char* p_record = std::getenv("VANTOR_RECORD");
   const char* p_replay = std::getenv("VANTOR_REPLAY");
   if (isSet(p_record) && isSet(p_replay)) {
-    LogManager::getInstance().writeLog(
-        "Recorder::startFromEnvironment(): Error! VANTOR_RECORD and VANTOR_REPLAY are both set.");
-    return -1;
+    return failStart(LogManager::getInstance().writeLogText(
+        "Recorder::startFromEnvironment(): Error! VANTOR_RECORD and VANTOR_REPLAY are both set."));
   }
   int result = 0;
   if (isSet(p_record)) result = startRecording(p_record);
@@ -66,11 +68,17 @@ int Recorder::startFromEnvironment() {
   return result;
 }
 
-bool Recorder::isIdle(const char* operation) const {
+bool Recorder::isIdle(const char* operation) {
   if (mode == OFF) return true;
-  LogManager::getInstance().writeLog("Recorder::%s(): Error! A %s is already under way.", operation,
-                                     mode == RECORDING ? "recording" : "replay");
+  failStart(LogManager::getInstance().writeLogText(
+      "Recorder::%s(): Error! A %s is already under way.", operation,
+      mode == RECORDING ? "recording" : "replay"));
   return false;
+}
+
+int Recorder::failStart(std::string reason) {
+  start_failure = std::move(reason);
+  return -1;
 }
 
 void Recorder::reset() {
@@ -91,9 +99,8 @@ int Recorder::startRecording(const std::string& new_file_name) {
   reset();
   out.open(new_file_name, std::ios::trunc);
   if (!out) {
-    LogManager::getInstance().writeLog("Recorder::startRecording(): Error! Cannot write '%s'.",
-                                       new_file_name.c_str());
-    return -1;
+    return failStart(LogManager::getInstance().writeLogText(
+        "Recorder::startRecording(): Error! Cannot write '%s'.", new_file_name.c_str()));
   }
   file_name = new_file_name;
   mode = RECORDING;
@@ -113,16 +120,15 @@ int Recorder::startReplay(const std::string& new_file_name, bool at_recorded_pac
   reset();
   std::ifstream in(new_file_name);
   if (!in) {
-    log_manager.writeLog("Recorder::startReplay(): Error! Cannot open '%s'.",
-                         new_file_name.c_str());
-    return -1;
+    return failStart(log_manager.writeLogText("Recorder::startReplay(): Error! Cannot open '%s'.",
+                                              new_file_name.c_str()));
   }
   Recording new_recording;
   const std::string error = new_recording.read(in);
   if (!error.empty()) {
-    log_manager.writeLog("Recorder::startReplay(): Error! '%s' is not a usable recording: %s",
-                         new_file_name.c_str(), error.c_str());
-    return -1;
+    return failStart(log_manager.writeLogText(
+        "Recorder::startReplay(): Error! '%s' is not a usable recording: %s", new_file_name.c_str(),
+        error.c_str()));
   }
   const RecordingHeader& header = new_recording.getHeader();
   if (header.engine_version != engineVersion()) {
@@ -136,13 +142,12 @@ int Recorder::startReplay(const std::string& new_file_name, bool at_recorded_pac
     if (header.frame_time != game_manager.getFrameTime() ||
         header.columns != display_manager.getHorizontal() ||
         header.rows != display_manager.getVertical()) {
-      log_manager.writeLog(
+      return failStart(log_manager.writeLogText(
           "Recorder::startReplay(): Error! '%s' was recorded at %d ms on %dx%d cells; this game "
           "runs at %d ms on %dx%d.",
           new_file_name.c_str(), header.frame_time, header.columns, header.rows,
           game_manager.getFrameTime(), display_manager.getHorizontal(),
-          display_manager.getVertical());
-      return -1;
+          display_manager.getVertical()));
     }
     std::srand(header.seed == -1 ? 1 : static_cast<unsigned>(header.seed));
   } else {

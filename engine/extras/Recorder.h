@@ -38,6 +38,8 @@ class Recorder {
   // a log line for a recording that cannot be read or used. Paced, the
   // loop keeps to the recorded frame time; else it runs as fast as it can.
   int startReplay(const std::string& file_name, bool at_recorded_pace = false);
+  // The log line of the last start above that failed.
+  std::string getStartFailure() const { return start_failure; }
   // Ends recording or replay: a recording gets its end line; a replay is
   // checked to have run to the recording's last step. Returns 0, or -1 when
   // the replay did not unfold as recorded.
@@ -81,7 +83,9 @@ class Recorder {
 
   Recorder() = default;
   // Opening and checks common to both modes; false when busy.
-  bool isIdle(const char* operation) const;
+  bool isIdle(const char* operation);
+  // Keeps the reason a start fails and returns -1.
+  int failStart(std::string reason);
   void writeHeader();
   void recordStep(int path_calls);
   void checkStep();
@@ -105,6 +109,7 @@ class Recorder {
   Recording recording;
   std::size_t run_index = 0;
   std::string failure;
+  std::string start_failure;
   std::function<void(int)> step_observer;
 };
 

@@ -1,7 +1,7 @@
 #include "media/Animation.h"
 
+#include "core/KeyReader.h"
 #include "core/LogManager.h"
-#include "core/Match.h"
 #include "core/Utility.h"
 #include "media/ResourceManager.h"
 #include "media/Sprite.h"
@@ -10,7 +10,7 @@ namespace vt {
 
 namespace {
 
-const char* const DESERIALIZE = "Animation::deserialize()";
+constexpr KeyReader READER("Animation::deserialize()");
 
 }  // namespace
 
@@ -62,34 +62,21 @@ std::string Animation::serialize(std::string attr) {
 }
 
 int Animation::deserialize(std::string str) {
-  // An empty text would make match search the last text it parsed.
-  if (str.empty()) return 0;
-  const LogManager& log_manager = LogManager::getInstance();
-  const std::string sprite_name = match(str, "sprite_name");
-  if (!sprite_name.empty()) {
-    log_manager.writeLog(20, "Animation::deserialize(): sprite_name is '%s'", sprite_name.c_str());
+  if (!READER.parse(str)) return 0;
+  std::string sprite_name;
+  if (READER.readText("sprite_name", sprite_name, true)) {
     Sprite* p_found = ResourceManager::getInstance().getSprite(sprite_name);
     if (p_found == nullptr) {
-      log_manager.writeLog("Animation::Match(): Sprite '%s' not found", sprite_name.c_str());
+      LogManager::getInstance().writeLog("Animation::Match(): Sprite '%s' not found",
+                                         sprite_name.c_str());
     } else {
       setSprite(p_found);
     }
     setName(sprite_name);
   }
-  const std::string index_text = match("", "sprite_index");
-  if (!index_text.empty()) {
-    checkSavedValue(DESERIALIZE, "sprite_index", index_text, ValueKind::INT);
-    const int new_index = readInt(index_text);
-    log_manager.writeLog(20, "Animation::deserialize(): sprite_index is %d", new_index);
-    setIndex(new_index);
-  }
-  const std::string count_text = match("", "sprite_slowdown_count");
-  if (!count_text.empty()) {
-    checkSavedValue(DESERIALIZE, "sprite_slowdown_count", count_text, ValueKind::INT);
-    const int new_count = readInt(count_text);
-    log_manager.writeLog(20, "Animation::deserialize(): sprite_slowdown_count is %d", new_count);
-    setSlowdownCount(new_count);
-  }
+  int number = 0;
+  if (READER.readInt("sprite_index", number)) setIndex(number);
+  if (READER.readInt("sprite_slowdown_count", number)) setSlowdownCount(number);
   return 0;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <string>
 
 #include "core/LogManager.h"
 #include "media/LogStreamBuf.h"
@@ -18,22 +19,9 @@ bool isPlaybackNode(const std::string& name) {
   return name.compare(0, 4, "pcmC") == 0 && name.back() == 'p';
 }
 
-bool prepare() {
-  AudioEnvironment::chooseDriver();
-  WavReader::registerFirst();
-  LogStreamBuf::captureSfmlErrors();
-  return true;
-}
-
-}  // namespace
-
-AudioEnvironment::AudioEnvironment() {
-  static const bool prepared = prepare();
-  (void)prepared;
-}
-
-bool AudioEnvironment::hasSoundDevice(const std::string& device_dir,
-                                      const std::string& runtime_dir) {
+// True when device_dir holds an ALSA playback device or runtime_dir a
+// PulseAudio socket.
+bool hasSoundDevice(const std::string& device_dir, const std::string& runtime_dir) {
   std::error_code error;
   if (!runtime_dir.empty() && std::filesystem::exists(runtime_dir + "/pulse/native", error)) {
     return true;
@@ -45,7 +33,10 @@ bool AudioEnvironment::hasSoundDevice(const std::string& device_dir,
   return false;
 }
 
-void AudioEnvironment::chooseDriver() {
+// Sets ALSOFT_DRIVERS to "null" when the user has not set it and this
+// machine has no sound device; OpenAL would otherwise flood the terminal
+// with errors and spin a core on every playing music.
+void chooseDriver() {
   LogManager& log_manager = LogManager::getInstance();
   if (const char* p_drivers = std::getenv(DRIVER_VARIABLE)) {
     log_manager.writeLog(1, "AudioEnvironment::chooseDriver(): %s is '%s'.", DRIVER_VARIABLE,
@@ -59,6 +50,20 @@ void AudioEnvironment::chooseDriver() {
   }
   setenv(DRIVER_VARIABLE, "null", 0);
   log_manager.writeLog(1, "AudioEnvironment::chooseDriver(): No sound device; audio is silent.");
+}
+
+bool prepare() {
+  chooseDriver();
+  WavReader::registerFirst();
+  LogStreamBuf::captureSfmlErrors();
+  return true;
+}
+
+}  // namespace
+
+AudioEnvironment::AudioEnvironment() {
+  static const bool prepared = prepare();
+  (void)prepared;
 }
 
 }  // namespace vt

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <SFML/Graphics.hpp>
+#include <SFML/Config.hpp>
+#include <SFML/Graphics/Color.hpp>
+#include <SFML/System/Vector2.hpp>
 #include <array>
 #include <memory>
 #include <random>
@@ -10,7 +12,13 @@
 #include "core/Manager.h"
 #include "core/Vector.h"
 #include "media/CellFrame.h"
-#include "media/TerminalScreen.h"
+
+namespace sf {
+class Drawable;
+class Font;
+class Glyph;
+class RenderWindow;
+}  // namespace sf
 
 namespace vt {
 
@@ -22,6 +30,7 @@ enum Justification {
 
 class BackBufferCopy;
 class CellBatch;
+class TerminalScreen;
 
 // Shows the character-cell world, in a window or in a terminal. In a window
 // every character is a background-coloured cell with a glyph centred in it;
@@ -106,7 +115,7 @@ class DisplayManager : public Manager {
   Color frame_background = BLACK;
   bool capturing = false;
   bool terminal = false;
-  TerminalScreen terminal_screen;
+  std::unique_ptr<TerminalScreen> p_terminal_screen;
   bool drawable_skip_logged = false;
   sf::Color window_background_color = sf::Color::Black;
   int window_horizontal_pixels = 0;

@@ -1,5 +1,6 @@
 #include "media/InputManager.h"
 
+#include <SFML/Graphics/RenderWindow.hpp>
 #include <SFML/Window/Keyboard.hpp>
 #include <SFML/Window/Mouse.hpp>
 #include <chrono>
@@ -13,6 +14,8 @@
 #include "media/EventMouse.h"
 #include "media/InputTranslation.h"
 #include "media/Terminal.h"
+#include "media/TerminalControls.h"
+#include "media/TerminalInput.h"
 
 namespace vt {
 
@@ -33,9 +36,13 @@ Vector pixelsToCells(int pixel_x, int pixel_y) {
 
 }  // namespace
 
-InputManager::InputManager() {
+InputManager::InputManager()
+    : p_terminal_input(std::make_unique<TerminalInput>()),
+      p_terminal_controls(std::make_unique<TerminalControls>()) {
   setType("InputManager");
 }
+
+InputManager::~InputManager() = default;
 
 InputManager& InputManager::getInstance() {
   static InputManager input_manager;
@@ -48,21 +55,16 @@ bool InputManager::isValid(std::string event_type) const {
 
 int InputManager::startUp() {
   const LogManager& log_manager = LogManager::getInstance();
-  if (isStarted()) {
-    log_manager.writeLog("%s::startup(): Warning! %s already started.", getType().c_str(),
-                         getType().c_str());
-    return -1;
-  }
+  if (alreadyStarted()) return -1;
   if (Config::getInstance().getHeadless()) {
     log_manager.writeLog(1, "InputManager::startUp(): not doing input since in headless mode.");
     return finishStartUp();
   }
   const DisplayManager& display_manager = DisplayManager::getInstance();
   if (!display_manager.isStarted()) {
-    log_manager.writeLog(
+    return failStart(log_manager.writeLogText(
         "InputManager::startUp(): Error starting InputManager. DisplayManager must be started "
-        "first.");
-    return -1;
+        "first."));
   }
   if (display_manager.isTerminal()) return finishStartUp();
   sf::RenderWindow* p_window = display_manager.getWindow();
@@ -93,8 +95,8 @@ void InputManager::shutDown() {
   log_manager.writeLog(5, "InputManager::shutDown(): successfully stopped.");
   queued_events.clear();
   fed_input.clear();
-  terminal_input.flush();
-  terminal_controls.clear();
+  p_terminal_input->flush();
+  p_terminal_controls->clear();
   Manager::shutDown();
 }
 
@@ -178,11 +180,11 @@ void InputManager::sendTerminalInput() {
       closeWindow();
       return;
     }
-    terminal_controls.take(event, now_ms);
+    p_terminal_controls->take(event, now_ms);
   }
-  for (const InputRecord& record : terminal_controls.takeEvents(now_ms)) sendRecord(record);
+  for (const InputRecord& record : p_terminal_controls->takeEvents(now_ms)) sendRecord(record);
   // Held after the events: a pause while they were handled lets go of keys.
-  for (const InputRecord& record : terminal_controls.heldInput()) sendRecord(record);
+  for (const InputRecord& record : p_terminal_controls->heldInput()) sendRecord(record);
 }
 
 std::vector<TerminalEvent> InputManager::readTerminal() {
@@ -193,9 +195,9 @@ std::vector<TerminalEvent> InputManager::readTerminal() {
     return {quit};
   }
   const std::string bytes = terminal.read();
-  std::vector<TerminalEvent> events = terminal_input.feed(bytes.data(), bytes.size());
+  std::vector<TerminalEvent> events = p_terminal_input->feed(bytes.data(), bytes.size());
   // A step with nothing new is silence enough to end a lone Escape.
-  if (bytes.empty() && terminal_input.hasPending()) events = terminal_input.flush();
+  if (bytes.empty() && p_terminal_input->hasPending()) events = p_terminal_input->flush();
   return events;
 }
 
@@ -290,9 +292,9 @@ void InputManager::waitForTerminalKey() {
         closeWindow();
         return;
       }
-      terminal_controls.take(event, now_ms);
+      p_terminal_controls->take(event, now_ms);
     }
-    for (const InputRecord& record : terminal_controls.takeEvents(now_ms)) {
+    for (const InputRecord& record : p_terminal_controls->takeEvents(now_ms)) {
       if (record.kind == InputRecord::KEY && record.action == KEY_PRESSED) return;
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(10));

@@ -2,6 +2,7 @@
 
 #include <SFML/Window/Event.hpp>
 #include <SFML/Window/Window.hpp>
+#include <memory>
 #include <string>
 #include <variant>
 #include <vector>
@@ -10,10 +11,12 @@
 #include "media/EventKeyboard.h"
 #include "media/EventMouse.h"
 #include "media/InputRecord.h"
-#include "media/TerminalControls.h"
-#include "media/TerminalInput.h"
 
 namespace vt {
+
+class TerminalControls;
+class TerminalInput;
+struct TerminalEvent;
 
 // Once per step turns the window's events and the held keys and mouse
 // buttons into "vt-keyboard" and "vt-mouse" events for the objects
@@ -23,6 +26,7 @@ namespace vt {
 class InputManager : public Manager {
  public:
   static InputManager& getInstance();
+  ~InputManager() override;
 
   // Only "vt-keyboard" and "vt-mouse" are delivered by the input manager.
   bool isValid(std::string event_type) const override;
@@ -89,8 +93,8 @@ class InputManager : public Manager {
   bool replaying = false;
   std::vector<InputRecord> fed_input;
   std::vector<InputRecord> delivered_input;
-  TerminalInput terminal_input;
-  TerminalControls terminal_controls;
+  std::unique_ptr<TerminalInput> p_terminal_input;
+  std::unique_ptr<TerminalControls> p_terminal_controls;
 };
 
 }  // namespace vt

@@ -7,6 +7,7 @@
 
 #include "core/Config.h"
 #include "core/LogManager.h"
+#include "media/FileWatcher.h"
 #include "media/LineReader.h"
 #include "media/SpriteLoader.h"
 #include "world/WorldManager.h"
@@ -61,7 +62,7 @@ std::unique_ptr<Sprite> readSpriteFile(const std::string& file_name) {
 
 }  // namespace
 
-ResourceManager::ResourceManager() {
+ResourceManager::ResourceManager() : p_sprite_watcher(std::make_unique<FileWatcher>()) {
   setType("ResourceManager");
 }
 
@@ -75,15 +76,11 @@ ResourceManager& ResourceManager::getInstance() {
 }
 
 int ResourceManager::startUp() {
-  if (isStarted()) {
-    logManager().writeLog("%s::startup(): Warning! %s already started.", getType().c_str(),
-                          getType().c_str());
-    return -1;
-  }
+  if (alreadyStarted()) return -1;
   sprite_count = 0;
   sound_count = 0;
   music_count = 0;
-  if (hotReloadWanted() && sprite_watcher.start() == 0) {
+  if (hotReloadWanted() && p_sprite_watcher->start() == 0) {
     logManager().writeLog(1,
                           "RM::startUp(): hot reload: sprite files are read again as they change.");
   }
@@ -93,7 +90,7 @@ int ResourceManager::startUp() {
 }
 
 void ResourceManager::shutDown() {
-  sprite_watcher.stop();
+  p_sprite_watcher->stop();
   deleteSprites();
   for (int i = 0; i < sound_count; i++) sound[i].stop();
   for (int i = 0; i < music_count; i++) music[i].stop();
@@ -137,7 +134,7 @@ int ResourceManager::loadSprite(std::string filename, std::string label) {
   p_new_sprite->setLabel(label);
   p_new_sprite->setFileName(filename);
   p_sprite[sprite_count++] = p_new_sprite.release();
-  sprite_watcher.watch(filename);
+  p_sprite_watcher->watch(filename);
   logFrames(*p_sprite[sprite_count - 1]);
   log_manager.writeLog(1, "RM::loadSprite(): Sprite '%s' loaded.", label.c_str());
   return 0;
@@ -160,8 +157,8 @@ void ResourceManager::logFrames(const Sprite& sprite) const {
 }
 
 void ResourceManager::reloadChangedSprites() {
-  if (!sprite_watcher.isStarted()) return;
-  for (const std::string& file_name : sprite_watcher.changedFiles()) {
+  if (!p_sprite_watcher->isStarted()) return;
+  for (const std::string& file_name : p_sprite_watcher->changedFiles()) {
     for (int i = 0; i < sprite_count; i++) {
       if (p_sprite[i]->getFileName() == file_name) reloadSprite(*p_sprite[i]);
     }

@@ -1,14 +1,16 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "core/Manager.h"
-#include "media/FileWatcher.h"
 #include "media/Music.h"
 #include "media/Sound.h"
 #include "media/Sprite.h"
 
 namespace vt {
+
+class FileWatcher;
 
 const int MAX_SPRITES = 1000;
 const int MAX_SOUNDS = 100;
@@ -68,7 +70,7 @@ class ResourceManager : public Manager {
   Music music[MAX_MUSICS];
   int music_count = 0;
   // Watches the loaded sprite files while hot reload is on.
-  FileWatcher sprite_watcher;
+  std::unique_ptr<FileWatcher> p_sprite_watcher;
 };
 
 }  // namespace vt

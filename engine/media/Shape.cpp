@@ -19,10 +19,6 @@ sf::CircleShape& sharedShape() {
 
 }  // namespace
 
-const sf::CircleShape& Shape::getDrawnShape() {
-  return sharedShape();
-}
-
 void Shape::setRGB(unsigned char new_r, unsigned char new_g, unsigned char new_b) {
   r = new_r;
   g = new_g;

@@ -3,10 +3,6 @@
 #include "core/Color.h"
 #include "core/Vector.h"
 
-namespace sf {
-class CircleShape;
-}
-
 namespace vt {
 
 enum ShapeType {
@@ -37,10 +33,6 @@ class Shape {
   void setOpacity(unsigned char new_opacity) { opacity = new_opacity; }
 
   void draw(Vector world_position);
-
-  // The one SFML shape that every Shape is drawn with, as the last draw
-  // left it.
-  static const sf::CircleShape& getDrawnShape();
 
  private:
   char cellCharacter() const;

@@ -14,19 +14,14 @@ namespace vt {
 
 namespace {
 
-const char* const COLOR_NAMES[] = {"black", "red",     "green", "yellow",
-                                   "blue",  "magenta", "cyan",  "white"};
-
 LogManager& logManager() {
   return LogManager::getInstance();
 }
 
 // BLACK to WHITE for the eight colour names, -1 for anything else.
 int colorFromName(const std::string& name) {
-  for (int color = BLACK; color <= WHITE; color++) {
-    if (name == COLOR_NAMES[color]) return color;
-  }
-  return -1;
+  Color color = BLACK;
+  return vt::colorFromName(name, color) ? color : -1;
 }
 
 // Removes every line that starts with the tag and returns the text after

@@ -128,13 +128,13 @@ int Terminal::open() {
   const LogManager& log_manager = LogManager::getInstance();
   fd = ::open("/dev/tty", O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   if (fd < 0) {
-    log_manager.writeLog("Terminal::open(): Error! No terminal to play in: %s.",
-                         std::strerror(errno));
+    open_failure = log_manager.writeLogText("Terminal::open(): Error! No terminal to play in: %s.",
+                                            std::strerror(errno));
     return -1;
   }
   if (tcgetattr(fd, &saved_modes) != 0) {
-    log_manager.writeLog("Terminal::open(): Error! Cannot read the terminal's modes: %s.",
-                         std::strerror(errno));
+    open_failure = log_manager.writeLogText(
+        "Terminal::open(): Error! Cannot read the terminal's modes: %s.", std::strerror(errno));
     ::close(fd);
     fd = -1;
     return -1;

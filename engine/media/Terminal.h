@@ -20,6 +20,8 @@ class Terminal {
   // what the terminal can do and waits a short while at most for the
   // answers.
   int open();
+  // The log line of the last open that failed.
+  std::string getOpenFailure() const { return open_failure; }
   // Gives the terminal back as it was.
   void close();
   bool isOpen() const { return fd >= 0; }
@@ -49,6 +51,7 @@ class Terminal {
   void restoreHandlers();
 
   int fd = -1;
+  std::string open_failure;
   bool keyboard_protocol = false;
   bool quit_reported = false;
   // Bytes that arrived while waiting for answers, for the next read.

@@ -1,7 +1,7 @@
 #include "media/ViewObject.h"
 
+#include "core/KeyReader.h"
 #include "core/LogManager.h"
-#include "core/Match.h"
 #include "core/Utility.h"
 #include "media/DisplayManager.h"
 #include "media/EventView.h"
@@ -11,7 +11,7 @@ namespace vt {
 
 namespace {
 
-const char* const DESERIALIZE = "ViewObject::deserialize()";
+constexpr KeyReader READER("ViewObject::deserialize()");
 
 // Selection names of the view attributes, in the order of their flags.
 const char* const VIEW_GROUP_NAMES[] = {"STRING,", "VALUE,",    "BORDER,",
@@ -155,56 +155,35 @@ std::string ViewObject::serializeViewAttribute(int attribute) const {
 
 int ViewObject::deserialize(std::string str) {
   Object::deserialize(str);
-  // An empty text would make match search the last text it parsed.
-  if (str.empty()) return 0;
-  const LogManager& log_manager = LogManager::getInstance();
-  const std::string new_view_string = match(str, "view_string");
-  if (!new_view_string.empty()) {
-    log_manager.writeLog(20, "ViewObject::deserialize(): view_string is %s",
-                         new_view_string.c_str());
-    setViewString(new_view_string);
-  }
-  const std::string value_text = match("", "view_value");
-  if (!value_text.empty()) {
-    checkSavedValue(DESERIALIZE, "view_value", value_text, ValueKind::INT);
-    const int number = readInt(value_text);
-    log_manager.writeLog(20, "ViewObject::deserialize(): value is %d", number);
-    setValue(number);
-  }
-  const std::string border_text = match("", "view_border");
-  if (!border_text.empty()) {
-    checkSavedValue(DESERIALIZE, "view_border", border_text, ValueKind::FLAG);
-    const bool new_border = readBool(border_text);
-    log_manager.writeLog(20, "ViewObject::deserialize(): border is %s",
-                         toString(new_border).c_str());
-    setBorder(new_border);
-  }
-  Color new_color = WHITE;
-  const std::string color_text = match("", "view_color");
-  if (!color_text.empty()) checkSavedValue(DESERIALIZE, "view_color", color_text, ValueKind::INT);
-  if (!color_text.empty() && readColor(color_text, new_color)) {
-    log_manager.writeLog(20, "ViewObject::deserialize(): color is %d", static_cast<int>(new_color));
-    setColor(new_color);
-  }
-  const std::string location_text = match("", "view_location");
-  if (!location_text.empty()) {
-    checkSavedValue(DESERIALIZE, "view_location", location_text, ValueKind::INT);
-  }
-  // -1 stands for a position set directly, which the Object entries carry.
-  const int new_location = readInt(location_text);
-  if (!location_text.empty() && new_location != -1) {
-    log_manager.writeLog(20, "ViewObject::deserialize(): location is %d", new_location);
-    setLocation(new_location);
-  }
-  const std::string draw_value_text = match("", "view_draw_value");
-  if (!draw_value_text.empty()) {
-    checkSavedValue(DESERIALIZE, "view_draw_value", draw_value_text, ValueKind::FLAG);
-    const bool new_draw_value = readBool(draw_value_text);
-    log_manager.writeLog(20, "ViewObject::deserialize(): draw_value is %s",
-                         toString(new_draw_value).c_str());
-    setDrawValue(new_draw_value);
-  }
+  if (!READER.parse(str)) return 0;
+  std::string new_view_string;
+  if (READER.readText("view_string", new_view_string)) setViewString(new_view_string);
+  int number = 0;
+  if (READER.readInt("view_value", number, "value")) setValue(number);
+  bool flag = false;
+  if (READER.readFlag("view_border", flag, "border")) setBorder(flag);
+  deserializeColor();
+  deserializeLocation();
+  if (READER.readFlag("view_draw_value", flag, "draw_value")) setDrawValue(flag);
   return 0;
+}
+
+void ViewObject::deserializeColor() {
+  const std::string text = READER.checkedText("view_color", ValueKind::INT);
+  Color new_color = WHITE;
+  if (text.empty() || !readColor(text, new_color)) return;
+  LogManager::getInstance().writeLog(20, "ViewObject::deserialize(): color is %d",
+                                     static_cast<int>(new_color));
+  setColor(new_color);
+}
+
+void ViewObject::deserializeLocation() {
+  const std::string text = READER.checkedText("view_location", ValueKind::INT);
+  // -1 stands for a position set directly, which the Object entries carry.
+  const int new_location = readInt(text);
+  if (text.empty() || new_location == -1) return;
+  LogManager::getInstance().writeLog(20, "ViewObject::deserialize(): location is %d", new_location);
+  setLocation(new_location);
 }
 
 bool ViewObject::isModified() const {

@@ -69,6 +69,8 @@ class ViewObject : public Object {
   // The text drawn in the middle of the object.
   std::string displayText() const;
   std::string serializeViewAttribute(int attribute) const;
+  void deserializeColor();
+  void deserializeLocation();
 
   std::string view_string;
   int value = 0;

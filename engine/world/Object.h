@@ -71,8 +71,10 @@ class Object {
   // Sets every attribute that str holds. Numbers are read as atoi and atof
   // read them ("abc" is 0, "12ms" is 12) and clamped to their type; flags are
   // true exactly for "true". A group that must come whole (box, position,
-  // shape) is ignored when a key of it is missing. The id is copied too, so
-  // a copy of a live object shares its id. Returns 0.
+  // shape) is ignored when a key of it is missing. The id is read too, and
+  // setting it moves the id counter past it, so objects created later still
+  // get ids of their own. The copy and the object it was copied from, while
+  // both live, have the same id. Returns 0.
   virtual int deserialize(std::string str);
   virtual bool isModified() const;
   virtual bool isModified(int attribute) const;
@@ -201,5 +203,9 @@ class Object {
   bool avoid_collisions = false;
   bool snap_to_cell = false;
 };
+
+// The object's box translated to its position, or to where.
+Box getWorldBox(const Object* p_object);
+Box getWorldBox(const Object* p_object, const Vector& where);
 
 }  // namespace vt

@@ -30,11 +30,7 @@ PathManager& PathManager::getInstance() {
 
 int PathManager::startUp() {
   const LogManager& log_manager = LogManager::getInstance();
-  if (isStarted()) {
-    log_manager.writeLog("%s::startup(): Warning! %s already started.", getType().c_str(),
-                         getType().c_str());
-    return -1;
-  }
+  if (alreadyStarted()) return -1;
   pending.clear();
   Manager::startUp();
   log_manager.writeLog("PathManager::startUp(): successfully started.");

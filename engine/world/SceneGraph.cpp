@@ -3,6 +3,7 @@
 #include "core/GameManager.h"
 #include "core/LogManager.h"
 #include "core/Utility.h"
+#include "world/SpatialGrid.h"
 
 namespace vt {
 
@@ -26,6 +27,10 @@ int reportFailure(const char* format, const Object* p_object) {
 
 }  // namespace
 
+SceneGraph::SceneGraph() : p_solid_grid(std::make_unique<SpatialGrid>()) {}
+
+SceneGraph::~SceneGraph() = default;
+
 int SceneGraph::startUp() {
   return 0;
 }
@@ -33,7 +38,7 @@ int SceneGraph::startUp() {
 void SceneGraph::shutDown() {
   objects.clear();
   solid_objects.clear();
-  solid_grid.clear();
+  p_solid_grid->clear();
   for (ObjectList& list : visible_objects) list.clear();
   inactive_objects.clear();
   type_map.clear();
@@ -245,26 +250,26 @@ int SceneGraph::updateType(Object* p_object, const std::string& new_type) {
 
 int SceneGraph::addSolid(Object* p_object) {
   if (solid_objects.insert(p_object) != 0) return -1;
-  solid_grid.insert(p_object, getWorldBox(p_object));
+  p_solid_grid->insert(p_object, getWorldBox(p_object));
   return 0;
 }
 
 int SceneGraph::removeSolid(Object* p_object) {
-  solid_grid.remove(p_object);
+  p_solid_grid->remove(p_object);
   return solid_objects.remove(p_object);
 }
 
 ObjectList SceneGraph::solidObjectsIn(const Box& box, const Object* p_ignore) const {
-  return solid_grid.query(box, p_ignore);
+  return p_solid_grid->query(box, p_ignore);
 }
 
 int SceneGraph::updatePosition(Object* p_object, Vector new_position) {
-  solid_grid.update(p_object, getWorldBox(p_object, new_position));
+  p_solid_grid->update(p_object, getWorldBox(p_object, new_position));
   return 0;
 }
 
 void SceneGraph::updateExtent(Object* p_object) {
-  solid_grid.update(p_object, getWorldBox(p_object));
+  p_solid_grid->update(p_object, getWorldBox(p_object));
 }
 
 }  // namespace vt

@@ -1,19 +1,24 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <string>
 
 #include "core/Vector.h"
 #include "world/Object.h"
 #include "world/ObjectList.h"
-#include "world/SpatialGrid.h"
 
 namespace vt {
+
+class SpatialGrid;
 
 // Keeps every object in the lists that the engine's passes walk: active,
 // solid, visible by altitude, inactive, and by type.
 class SceneGraph {
  public:
+  SceneGraph();
+  ~SceneGraph();
+
   int startUp();
   void shutDown();
 
@@ -49,7 +54,7 @@ class SceneGraph {
 
   ObjectList objects;
   ObjectList solid_objects;
-  SpatialGrid solid_grid;
+  std::unique_ptr<SpatialGrid> p_solid_grid;
   ObjectList visible_objects[MAX_ALTITUDE + 1];
   ObjectList inactive_objects;
   std::map<std::string, ObjectList> type_map;

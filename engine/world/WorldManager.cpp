@@ -36,19 +36,15 @@ bool WorldManager::isValid(std::string event_type) const {
 
 int WorldManager::startUp() {
   const LogManager& log_manager = LogManager::getInstance();
-  if (isStarted()) {
-    log_manager.writeLog("%s::startup(): Warning! %s already started.", getType().c_str(),
-                         getType().c_str());
-    return -1;
-  }
+  if (alreadyStarted()) return -1;
   deletions.clear();
   boundary = Box();
   view = Box();
   view_slack = Vector();
   p_view_following = nullptr;
   if (scene_graph.startUp() != 0) {
-    log_manager.writeLog("WorldManager::startUp(): Error! Unable to startup Scenegraph");
-    return -1;
+    return failStart(
+        log_manager.writeLogText("WorldManager::startUp(): Error! Unable to startup Scenegraph"));
   }
   Manager::startUp();
   log_manager.writeLog(5, "WorldManager::startUp(): successfully started.");
