@@ -13,7 +13,7 @@
 
 #include "core/Match.h"
 #include "media/ResourceManager.h"
-#include "support/ResourceEngine.h"
+#include "support/HeadlessEngine.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ std::string spriteText(int frames, int width, int height, bool sectioned) {
 }
 
 void loadLargeSprite(benchmark::State& state, bool sectioned) {
-  test::ResourceEngine engine;
+  test::HeadlessEngine engine(test::HeadlessEngine::WORLD_AND_RESOURCES);
   vt::ResourceManager& resource_manager = vt::ResourceManager::getInstance();
   const std::string file = engine.writeFile("large.txt", spriteText(100, 80, 24, sectioned));
   for (auto _ : state) {
@@ -59,7 +59,7 @@ void BM_LoadSectionedSprite100x80x24(benchmark::State& state) {
 // Ten sprites of the game's sizes, six one-second sounds and six
 // thirty-second musics, loaded into a freshly started manager.
 void BM_LoadResourceTable(benchmark::State& state) {
-  test::ResourceEngine engine;
+  test::HeadlessEngine engine(test::HeadlessEngine::WORLD_AND_RESOURCES);
   vt::ResourceManager& resource_manager = vt::ResourceManager::getInstance();
   const int sizes[][3] = {{2, 40, 4}, {2, 33, 9},  {2, 12, 3},  {2, 6, 3},    {2, 1, 1},
                           {1, 1, 1},  {10, 13, 5}, {2, 64, 19}, {38, 56, 15}, {36, 64, 17}};
@@ -71,8 +71,8 @@ void BM_LoadResourceTable(benchmark::State& state) {
   std::string sounds[6];
   std::string musics[6];
   for (int i = 0; i < 6; i++) {
-    sounds[i] = engine.writeWav("sound" + std::to_string(i) + ".wav", 44100);
-    musics[i] = engine.writeWav("music" + std::to_string(i) + ".wav", 44100 * 30);
+    sounds[i] = engine.writeFile("sound" + std::to_string(i) + ".wav", test::wavBytes(44100));
+    musics[i] = engine.writeFile("music" + std::to_string(i) + ".wav", test::wavBytes(44100 * 30));
   }
   for (auto _ : state) {
     int failures = 0;
@@ -152,7 +152,7 @@ std::string hostileSprite(int megabytes, bool sectioned) {
 }
 
 void BM_HostileSprite(benchmark::State& state) {
-  test::ResourceEngine engine;
+  test::HeadlessEngine engine(test::HeadlessEngine::WORLD_AND_RESOURCES);
   const std::string file = engine.writeFile(
       "hostile.txt", hostileSprite(static_cast<int>(state.range(0)), state.range(1) != 0));
   for (auto _ : state) {

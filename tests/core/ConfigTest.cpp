@@ -12,13 +12,14 @@
 #include "core/GameManager.h"
 #include "core/LogManager.h"
 #include "core/Match.h"
+#include "extras/Harness.h"
 #include "support/HeadlessEngine.h"
 
 using vt::Config;
 
 // The file named by the environment is read as the C library reads values;
 // a bad name leaves its setting.
-TEST(Config, ReadsTheFileNamedByTheEnvironment) {
+TEST(Config, EveryKeyIsReadFromTheFileNamedByTheEnvironmentOrATextGiven) {
   test::HeadlessEngine engine;
   Config& config = Config::getInstance();
   const std::string path = engine.getDirectory() + "/my.cfg";
@@ -35,6 +36,21 @@ TEST(Config, ReadsTheFileNamedByTheEnvironment) {
   EXPECT_EQ(config.getWindowBackgroundColor(), vt::CYAN);
   EXPECT_EQ(config.getFrameTime(), 20);
   EXPECT_EQ(config.getWindowStyle(), vt::WINDOW_STYLE_DEFAULT);
+  // Every key reaches its setting, as the configuration block of the log shows.
+  config.loadConfig(
+      "window_horizontal_pixels:640,window_vertical_pixels:480,window_horizontal_chars:40,"
+      "window_vertical_chars:12,window_background_color:blue,frame_time:20,"
+      "window_style:fullscreen,window_title:Mine,show_mouse:true,headless:true,font_file:my.ttf,"
+      "logfile:my.log,random_seed:-1,networking:true,font_scale:1.5,");
+  vt::LogManager::getInstance().setLogLevel(1);
+  config.printConfig();
+  for (const char* line : {"pixels: 640\n", "pixels: 480\n", "characters: 40\n", "characters: 12\n",
+                           "color: 4\n", "Frame time: 20\n", "style: fullscreen\n", "title: Mine\n",
+                           "mouse: true\n", "Headless: true\n", "Font file: my.ttf\n",
+                           "Log file: my.log\n", "seed: -1\n", "Networking: true\n"}) {
+    EXPECT_NE(engine.logText().find(line), std::string::npos) << line;
+  }
+  EXPECT_EQ(config.getFontScale(), 1.5f);
 }
 
 // Given an empty text, match searches the last text it was given again.
@@ -58,26 +74,6 @@ TEST(Config, MatchFindsTheFirstEntryOfAKeyAndKeepsTheLastText) {
   EXPECT_EQ(match("q:1,r:2", "r"), "2");
   for (const char* line : {"\t1  r : 2", "match(): 0: q == r?"})
     EXPECT_NE(engine.logText().find(line), std::string::npos) << line;
-}
-
-// Every key reaches its setting, as the configuration block of the log shows.
-TEST(Config, EveryKeyIsRead) {
-  test::HeadlessEngine engine;
-  Config& config = Config::getInstance();
-  config.loadConfig(
-      "window_horizontal_pixels:640,window_vertical_pixels:480,window_horizontal_chars:40,"
-      "window_vertical_chars:12,window_background_color:blue,frame_time:20,"
-      "window_style:fullscreen,window_title:Mine,show_mouse:true,headless:true,font_file:my.ttf,"
-      "logfile:my.log,random_seed:-1,networking:true,font_scale:1.5,");
-  vt::LogManager::getInstance().setLogLevel(1);
-  config.printConfig();
-  for (const char* line : {"pixels: 640\n", "pixels: 480\n", "characters: 40\n", "characters: 12\n",
-                           "color: 4\n", "Frame time: 20\n", "style: fullscreen\n", "title: Mine\n",
-                           "mouse: true\n", "Headless: true\n", "Font file: my.ttf\n",
-                           "Log file: my.log\n", "seed: -1\n", "Networking: true\n"}) {
-    EXPECT_NE(engine.logText().find(line), std::string::npos) << line;
-  }
-  EXPECT_EQ(config.getFontScale(), 1.5f);
 }
 
 // At start-up each line the engine cannot read is named with its number in
@@ -146,17 +142,15 @@ TEST(Config, TheLogLevelIsSetByTheFileAndTheEnvironmentWins) {
   };
   for (const auto& c : CASES) {
     SCOPED_TRACE(std::string(c.setting) + (c.environment ? c.environment : "-"));
-    std::ofstream(directory + "/vt-config.txt")
-        << "headless:true,\nlogfile:" << directory << "/game.log,\n"
-        << c.setting << "\n";
+    std::ofstream(directory + "/vt-config.txt") << c.setting << "\n";
     setenv("VANTOR_CONFIG", (directory + "/vt-config.txt").c_str(), 1);
     c.environment ? setenv("VANTOR_LOG_LEVEL", c.environment, 1) : unsetenv("VANTOR_LOG_LEVEL");
     testing::internal::CaptureStderr();
-    ASSERT_EQ(vt::GameManager::getInstance().startUp(), 0);
+    vt::Harness harness;
+    ASSERT_EQ(harness.startUp(), 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), c.said);
-    vt::GameManager::getInstance().shutDown();
-    const std::string log = test::readFile(directory + "/game.log");
-    EXPECT_EQ(log.find("Vantor configuration:") != std::string::npos, c.block_shown);
+    harness.shutDown();
+    EXPECT_EQ(harness.logContains("Vantor configuration:"), c.block_shown);
     unsetenv("VANTOR_LOG_LEVEL");
     test::restoreEngineSettings();
   }

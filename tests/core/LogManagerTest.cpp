@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <fstream>
 #include <regex>
 #include <string>
@@ -50,7 +49,7 @@ TEST(LogManager, LinesCarryTimeAndStepLevelsFilterThemAndOtherFilesGetTheirOwn) 
 TEST(LogManager, EveryLineIsInTheFileByTheEndOfItsStep) {
   vt::Harness harness;
   ASSERT_EQ(harness.startUp(), 0);
-  const std::string sprite = testing::TempDir() + "misspelled-sprite.txt";
+  const std::string sprite = harness.getLogFile() + ".sprite.txt";
   std::ofstream(sprite) << "<HEADER>\nframes 1\nwidth 1\nheight 1\ncolour green\n</HEADER>\n"
                         << "<BODY>\n*\nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n";
   EXPECT_EQ(vt::ResourceManager::getInstance().loadSprite(sprite, "star"), 0);
@@ -69,5 +68,4 @@ TEST(LogManager, EveryLineIsInTheFileByTheEndOfItsStep) {
               std::string::npos)
         << log;
   }
-  std::remove(sprite.c_str());
 }

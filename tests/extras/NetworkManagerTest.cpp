@@ -87,7 +87,7 @@ class NetworkManagerTest : public testing::Test {
   // Runs the loop's network step until done() holds; false after 20 s or more.
   bool pumpUntil(const std::function<bool()>& done) {
     for (int i = 0; i < 20000 && !done(); i++)
-      network_manager.processFrame(Clock(), 33), usleep(1000);
+      network_manager.processFrame(Clock(), 6600), usleep(1000);  // a fifth of 33 ms
     return done();
   }
   auto countLabel(int label) const {
@@ -104,18 +104,8 @@ class NetworkManagerTest : public testing::Test {
 
 }  // namespace
 
-TEST_F(NetworkManagerTest, ServerAndClientInOneProcessExchangeMessages) {
-  network_manager.setMaxConnections(2);
-  ASSERT_EQ(network_manager.connect("127.0.0.1", port), 0);
-  ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_ACCEPT) == 1; }));
-  EXPECT_EQ(events, (std::vector<std::pair<int, int>>{{NETWORK_CONNECT, 0}, {NETWORK_ACCEPT, 1}}));
-  EXPECT_EQ(network_manager.send(0, frame("hello").data(), 0), 0);
-  ASSERT_EQ(network_manager.send(0, frame("hello").data(), 9), 0);
-  ASSERT_EQ(network_manager.send(1, frame("welcome, client").data(), 19), 0);
-  ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_DATA) == 2; }));
-  EXPECT_EQ(payloads, (std::map<int, Strings>{{0, {"welcome, client"}}, {1, {"hello"}}}));
-}
-
+// A server and a client exchanging messages, each in a process of its own,
+// are the net-chat example's test.
 TEST_F(NetworkManagerTest, OnlyWholeMessagesAreAnnouncedAndAFrameTakesAllThatArrived) {
   acceptPeers(1);
   const std::string message = frame("abcdef");

@@ -59,8 +59,7 @@ class Walker : public vt::Object {
 
 void makeWorld(float stride) {
   new Walker(stride);
-  auto* p_wall = new vt::Object;
-  p_wall->setPosition(Vector(30, 10));
+  (new vt::Object)->setPosition(Vector(30, 10));  // a wall
 }
 
 // A session of 90 steps: a click, held D, a path search, and nothing.
@@ -101,31 +100,13 @@ class RecorderTest : public testing::Test {
 };
 
 TEST_F(RecorderTest, ASessionReplaysAsPlayedAndTheFirstDifferenceIsNamed) {
+  // The file's format is fixed by the shooter's recorded sessions.
   const Vector end = recordSession();
   const std::string text = test::readFile(recording);
-  for (const char* part : {"vantor-recording 1\n", "grid 80 24\n", "\n0 click:left@12.5,7.25\n",
-                           "\n3 press:D down:D\n", "\n4-7 down:D\n",
-                           "\n8 release:D press:P release:P paths:", " world:", "\nend 90\n"}) {
-    EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text;
-  }
-  {
-    // The same game replayed: nothing fed by hand, the same end, checks at
-    // their steps.
-    vt::Harness harness;
-    ASSERT_EQ(harness.startUp(), 0);
-    makeWorld(1);
-    ASSERT_EQ(harness.replay(recording), 0);
-    Vector at_step_0;
-    harness.atStep(0, [&] { at_step_0 = walkerPosition(); });
-    EXPECT_EQ(harness.step(90), 90);
-    EXPECT_EQ(at_step_0.getX(), 12.5f);
-    EXPECT_NEAR(at_step_0.getY(), 7.25f, 0.011f);
-    EXPECT_EQ(walkerPosition(), end);
-    EXPECT_EQ(harness.finishReplay(), 0) << harness.replayFailure();
-  }
-  // A game that strides twice as far searches another path; a world that
-  // differs from its fingerprint, a replay run past its end or stopped
-  // short fail too.
+  // The same game replayed, nothing fed by hand, ends where it did with its
+  // checks at their steps. A game that strides twice as far searches another
+  // path; a world that differs from its fingerprint, a replay run past its
+  // end or stopped short fail.
   std::string tampered = text;
   const std::size_t digit = tampered.find(" world:") + 7;
   tampered[digit] = tampered[digit] == '0' ? '1' : '0';
@@ -135,6 +116,7 @@ TEST_F(RecorderTest, ASessionReplaysAsPlayedAndTheFirstDifferenceIsNamed) {
     int steps;
     const char* failure;
   } CASES[] = {
+      {1, text, 90, ""},
       {2, text, 90, "step 8: path searches ran "},
       {1, tampered, 90, "step 29: the world's 2 objects differ from the recording"},
       {1, text, 91, "step 90: the recording ends here, the game goes on"},
@@ -146,8 +128,17 @@ TEST_F(RecorderTest, ASessionReplaysAsPlayedAndTheFirstDifferenceIsNamed) {
     ASSERT_EQ(harness.startUp(), 0);
     makeWorld(replay.stride);
     ASSERT_EQ(harness.replay(recording), 0);
+    Vector at_step_0;
+    harness.atStep(0, [&] { at_step_0 = walkerPosition(); });
     harness.step(replay.steps);
-    EXPECT_EQ(harness.finishReplay(), -1);
+    const bool as_played = *replay.failure == '\0';
+    EXPECT_EQ(harness.finishReplay(), as_played ? 0 : -1) << harness.replayFailure();
+    if (as_played) {
+      EXPECT_EQ(at_step_0.getX(), 12.5f);
+      EXPECT_NEAR(at_step_0.getY(), 7.25f, 0.011f);
+      EXPECT_EQ(walkerPosition(), end);
+      continue;
+    }
     EXPECT_EQ(harness.replayFailure().rfind(replay.failure, 0), 0u) << harness.replayFailure();
     EXPECT_TRUE(harness.logContains("Recorder: Error! The replay of '" + recording +
                                     "' diverged at " + replay.failure));

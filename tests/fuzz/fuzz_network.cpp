@@ -15,11 +15,10 @@
 #include <string>
 #include <vector>
 
+#include "FuzzEngine.h"
 #include "core/Config.h"
-#include "core/LogManager.h"
 #include "extras/EventNetwork.h"
 #include "extras/NetworkManager.h"
-#include "world/WorldManager.h"
 
 namespace {
 
@@ -55,12 +54,8 @@ class Reader : public vt::Object {
 
 // The reader lives as long as the process, in the world like any object.
 vt::Object* startEngine() {
-  vt::Config::getInstance().setHeadless(true);
+  fuzz::startEngine();
   vt::Config::getInstance().setNetworking(true);
-  vt::Config::getInstance().setLogFile("/dev/null");
-  unsetenv("VANTOR_LOG");
-  vt::LogManager::getInstance().startUp();
-  vt::WorldManager::getInstance().startUp();
   network_manager.startUp();
   if (network_manager.setServer(true, "0") != 0) std::abort();
   return new Reader;

@@ -1,25 +1,30 @@
+// The shooter replaying its recorded sessions, in this process and as a
+// process of its own, and played in a terminal.
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
-#include "Boss.h"
 #include "Bullet.h"
-#include "GameStart.h"
 #include "Points.h"
 #include "Setup.h"
 #include "core/GameManager.h"
 #include "extras/Harness.h"
+#include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/ResourceManager.h"
 #include "support/HeadlessEngine.h"
+#include "support/TestSupport.h"
+#include "support/TmuxSession.h"
 #include "world/WorldManager.h"
 
 namespace {
@@ -34,11 +39,6 @@ struct Look {
   const char* frame;
   int score;
   const char* music;
-};
-
-struct Session {
-  const char* recording;
-  std::vector<Look> looks;
 };
 
 int shownScore() {
@@ -66,7 +66,7 @@ void expectLook(const vt::Harness& harness, const Look& look) {
 }
 
 // Sessions played in a window under a scripted player with the recorder on.
-const Session SESSIONS_PLAYED[] = {
+const std::pair<const char*, std::vector<Look>> SESSIONS_PLAYED[] = {
     {"defeat.vrec",
      {{23, "defeat-23-title.frame", -1, "start music"},
       {44, "defeat-44-moved.frame", 0, "InGameBGM"},
@@ -81,12 +81,12 @@ const Session SESSIONS_PLAYED[] = {
 
 TEST(ShooterReplay, RecordedSessionsUnfoldAsPlayed) {
   ASSERT_EQ(chdir(VANTOR_GAME_DIR), 0);
-  for (const Session& session : SESSIONS_PLAYED) {
-    SCOPED_TRACE(session.recording);
+  for (const auto& [recording, looks] : SESSIONS_PLAYED) {
+    SCOPED_TRACE(recording);
     vt::Harness harness;
     ASSERT_EQ(harness.startUp(), 0);
-    ASSERT_EQ(harness.replay(SESSIONS + "/" + session.recording), 0) << harness.logText();
-    for (const Look& look : session.looks) {
+    ASSERT_EQ(harness.replay(SESSIONS + "/" + recording), 0) << harness.logText();
+    for (const Look& look : looks) {
       harness.atStep(look.step, [&harness, &look] { expectLook(harness, look); });
     }
     playGame();
@@ -182,6 +182,226 @@ TEST(ShooterReplay, TheGameReplaysFromTheEnvironmentAndNamesWhereItDiverged) {
       << said;
   EXPECT_EQ(replayShooter(defeat, said, logged, "", "VANTOR_RECORD=" + folder + "/new.vrec"), 1);
   EXPECT_NE(said.find("VANTOR_RECORD and VANTOR_REPLAY are both set."), std::string::npos) << said;
+  std::filesystem::remove_all(folder);
+}
+
+// Killed at once, the game leaves in its log every line of the steps it
+// finished: its start-up, and what it wrote once the splash screen's steps
+// had run.
+TEST(ShooterProcess, AGameKilledMidWayLeavesItsLogUpToItsLastStep) {
+  const std::string folder = test::makeTempDir();
+  const std::string log_file = folder + "/vantor.log";
+  const std::string command = "cd " VANTOR_GAME_DIR
+                              " && exec env VANTOR_HEADLESS=1 ALSOFT_DRIVERS=null VANTOR_LOG=" +
+                              log_file + " ./shooter > /dev/null 2>&1";
+  const pid_t pid = fork();
+  if (pid == 0) {
+    execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+    _exit(127);
+  }
+  ASSERT_GT(pid, 0);
+  const std::string after_splash = " Pause::Pause(): Pause enabled.";
+  const bool shown = test::waitFor(
+      [&] { return test::readFile(log_file).find(after_splash) != std::string::npos; }, 60);
+  kill(pid, SIGKILL);
+  int status = 0;
+  waitpid(pid, &status, 0);
+  ASSERT_TRUE(shown) << test::readFile(log_file);
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+  const std::string log = test::readFile(log_file);
+  EXPECT_NE(log.find("    0 ** Game engine started **\n"), std::string::npos) << log;
+  // The line's stamp is the step it was written in: steps ran before the kill.
+  const std::size_t line = log.rfind('\n', log.find(after_splash)) + 1;
+  EXPECT_GT(std::stoi(log.substr(line + 9)), 0) << log;
+  std::filesystem::remove_all(folder);
+}
+
+// Started from a folder without its font and configuration, the game says
+// on standard error which folder that was and what it lacked.
+TEST(ShooterProcess, StartedFromAnotherFolderItNamesTheFolderAndWhatItLacks) {
+  ASSERT_TRUE(vt::test::startProcessXvfb());
+  const std::string folder = test::makeTempDir();
+  const int status = std::system(("cd " + folder +
+                                  " && env -u VANTOR_CONFIG -u VANTOR_LOG -u VANTOR_HEADLESS "
+                                  "ALSOFT_DRIVERS=null " VANTOR_GAME_DIR "/shooter 2> said")
+                                     .c_str());
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
+  EXPECT_EQ(test::readFile(folder + "/said"),
+            "vantor: cannot start the display manager: DisplayManager::startUp(): Unable to load "
+            "font from file 'vt-font.ttf'. See " +
+                folder + "/vantor.log\nvantor: missing from the working folder " + folder +
+                ": the font file vt-font.ttf, vt-config.txt; start the game from its own "
+                "folder\n");
+  std::filesystem::remove_all(folder);
+}
+
+const int COLUMNS = 80;
+const int ROWS = 24;
+const char* const SHIP = "<-/\\->";
+
+// A cell of the terminal's screen: its character and the red, green and
+// blue of its foreground ("" for the terminal's default).
+struct ShownCell {
+  char ch = ' ';
+  std::string color;
+};
+
+using Screen = std::vector<ShownCell>;
+
+// Reads capture-pane -e: characters and the 24-bit foreground colours set
+// before them.
+Screen readScreen(const std::string& captured) {
+  Screen screen(COLUMNS * ROWS);
+  std::istringstream rows(captured);
+  std::string line;
+  std::string color;
+  for (int row = 0; row < ROWS && std::getline(rows, line); row++) {
+    int column = 0;
+    for (std::size_t i = 0; i < line.size(); i++) {
+      if (line[i] != '\x1b') {
+        if (column < COLUMNS) screen[row * COLUMNS + column++] = {line[i], color};
+        continue;
+      }
+      const std::size_t end = line.find('m', i);
+      std::istringstream parameters(line.substr(i + 2, end - i - 2));
+      for (std::string code; std::getline(parameters, code, ';');) {
+        if (code == "0" || code == "39") color.clear();
+        if (code != "38" && code != "48") continue;
+        std::string kind, r, g, b;
+        std::getline(parameters, kind, ';');
+        std::getline(parameters, r, ';');
+        std::getline(parameters, g, ';');
+        std::getline(parameters, b, ';');
+        if (code == "38") color = r + "," + g + "," + b;
+      }
+      i = end;
+    }
+  }
+  return screen;
+}
+
+// The terminal shows the frame: every character, and every visible one in
+// its colour.
+bool showsFrame(const Screen& screen, const vt::CellFrame& frame) {
+  for (int row = 0; row < ROWS; row++) {
+    for (int column = 0; column < COLUMNS; column++) {
+      const vt::CellFrame::Cell cell = frame.at(column, row);
+      const ShownCell& shown = screen[row * COLUMNS + column];
+      const char ch = cell.drawn ? cell.ch : ' ';
+      if (shown.ch != ch) return false;
+      if (ch != ' ' && shown.color != std::to_string(cell.r) + "," + std::to_string(cell.g) + "," +
+                                          std::to_string(cell.b)) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
+// The ship's column on the screen, -1 when it is not there.
+int shipColumn(const test::TmuxSession& session) {
+  for (const std::string& row : session.screenText()) {
+    const std::size_t found = row.find(SHIP);
+    if (found != std::string::npos) return static_cast<int>(found);
+  }
+  return -1;
+}
+
+int recordedSteps(const std::string& recording) {
+  const std::string text = test::readFile(recording);
+  const std::size_t end = text.rfind("end ");
+  return end == std::string::npos ? 0 : std::stoi(text.substr(end + 4));
+}
+
+void pauseMilliseconds(int milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+// The real game in tmux, paused and resumed at the title, played with the
+// mouse and a held key, the ship taken away with Q and the game ended with
+// Ctrl-C; the session, recorded, is then replayed to find the frames the
+// engine drew for every screen captured.
+TEST(TerminalPlay, TheShooterIsPlayedInATerminalShowingTheFramesTheEngineDrew) {
+  const std::string folder = test::makeTempDir();
+  const std::string recording = folder + "/play.vrec";
+  // A fixed seed, so that the drelks come the same way each time, and the
+  // pause's lines in the log.
+  const std::string config = folder + "/vt-config.txt";
+  std::string settings = test::readFile(VANTOR_GAME_DIR "/vt-config.txt");
+  settings.replace(settings.find("random_seed:0,"), 14, "random_seed:7,");
+  std::ofstream(config) << settings;
+  test::TmuxSession session("cd " VANTOR_GAME_DIR " && VANTOR_CONFIG=" + config +
+                                " VANTOR_LOG_LEVEL=1 COLORTERM=truecolor VANTOR_DISPLAY=terminal "
+                                "VANTOR_LOG=" +
+                                folder + "/vantor.log VANTOR_RECORD=" + recording + " ./shooter",
+                            COLUMNS, ROWS);
+  ASSERT_TRUE(session.isRunning());
+  std::vector<std::string> captured;
+  ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.shows("[ P ]  PLAY"); }, 30));
+  captured.push_back(session.screenWithColours());
+  // F10 pauses until another key comes.
+  session.sendKeys("F10");
+  pauseMilliseconds(1500);
+  session.sendKeys("x");
+  session.sendKeys("p");
+  ASSERT_TRUE(test::TmuxSession::waitFor([&] { return shipColumn(session) >= 0; }, 10));
+  const int ship_at_start = shipColumn(session);
+  // The mouse moves to a cell, and its left button is held there a moment.
+  session.sendKeys("\x1b[<35;41;6M", true);
+  session.sendKeys("\x1b[<0;41;6M", true);
+  pauseMilliseconds(300);
+  session.sendKeys("\x1b[<0;41;6m", true);
+  // A held key, as a terminal without key releases sends it: again and
+  // again while it is down, here until the ship has moved.
+  EXPECT_TRUE(test::TmuxSession::waitFor(
+      [&] { return session.sendKeys("d") && shipColumn(session) > ship_at_start + 5; }, 30))
+      << "the ship stayed at " << shipColumn(session);
+  captured.push_back(session.screenWithColours());
+  // Q in play takes the ship away, and Ctrl-C ends the game.
+  session.sendKeys("q");
+  EXPECT_TRUE(test::TmuxSession::waitFor([&] { return shipColumn(session) < 0; }, 10));
+  captured.push_back(session.screenWithColours());
+  session.sendKeys("C-c");
+  ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.exitStatus() >= 0; }, 30));
+  EXPECT_EQ(session.exitStatus(), 0);
+  EXPECT_EQ(session.paneFormat("#{alternate_on}#{cursor_flag}"), "01");
+  const std::string logged = test::readFile(folder + "/vantor.log");
+  const std::size_t paused = logged.find("Game paused.");
+  const std::size_t resumed = logged.find("Game resumed.");
+  ASSERT_TRUE(paused != std::string::npos && resumed != std::string::npos) << logged;
+  EXPECT_NE(logged.substr(logged.rfind('\n', paused) + 1, 8),
+            logged.substr(logged.rfind('\n', resumed) + 1, 8))
+      << "the pause waited for the key a second and more";
+  const std::string recorded = test::readFile(recording);
+  EXPECT_NE(recorded.find("move@40,5"), std::string::npos) << recorded;
+  EXPECT_EQ(recorded.find("press:X"), std::string::npos)
+      << "the key that ends the pause is its own";
+  EXPECT_NE(recorded.find("click:left@40,5 hold:left@40,5"), std::string::npos);
+
+  ASSERT_EQ(chdir(VANTOR_GAME_DIR), 0);
+  vt::Harness harness;
+  ASSERT_EQ(harness.startUp(), 0);
+  ASSERT_EQ(harness.replay(recording), 0) << harness.logText();
+  std::vector<int> shown_at(captured.size(), -1);
+  bool fired = false;
+  for (int step = 1; step <= recordedSteps(recording); step++) {
+    harness.atStep(step, [&, step] {
+      fired = fired || !vt::WorldManager::getInstance().objectsOfType("Bullet").isEmpty();
+      for (std::size_t i = 0; i < captured.size(); i++) {
+        if (shown_at[i] < 0 &&
+            showsFrame(readScreen(captured[i]), vt::DisplayManager::getInstance().getFrame())) {
+          shown_at[i] = step;
+        }
+      }
+    });
+  }
+  playGame();
+  EXPECT_EQ(harness.finishReplay(), 0) << harness.replayFailure();
+  EXPECT_TRUE(fired) << "the held mouse button fires";
+  for (std::size_t i = 0; i < captured.size(); i++) {
+    EXPECT_GE(shown_at[i], 0) << "no frame the engine drew is the screen captured:\n"
+                              << captured[i];
+  }
   std::filesystem::remove_all(folder);
 }
 

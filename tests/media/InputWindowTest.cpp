@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -15,8 +14,6 @@
 #include "core/LogManager.h"
 #include "extras/Recorder.h"
 #include "media/DisplayManager.h"
-#include "media/EventKeyboard.h"
-#include "media/EventMouse.h"
 #include "media/InputManager.h"
 #include "media/InputTranslation.h"
 #include "support/HeadlessEngine.h"
@@ -45,94 +42,17 @@ const auto release = [](int code) { return key(vt::KEY_RELEASED, code); };
 const auto held = [](int code) { return key(vt::KEY_DOWN, code); };
 
 std::string mouse(int action, int button, float x, float y) {
-  return "mouse " + std::to_string(action) + " " + std::to_string(button) + " (" +
-         std::to_string(x) + ", " + std::to_string(y) + ")";
+  return "mouse " + std::to_string(action) + " " + std::to_string(button) + " " +
+         vt::Vector(x, y).toString();
 }
 
-std::string describe(const vt::Event* p_event) {
-  if (p_event->getType() == vt::KEYBOARD_EVENT) {
-    const auto* p_key = static_cast<const vt::EventKeyboard*>(p_event);
-    return key(p_key->getKeyboardAction(), p_key->getKey());
-  }
-  const auto* p_mouse = static_cast<const vt::EventMouse*>(p_event);
-  const vt::Vector cell = p_mouse->getMousePosition();
-  return mouse(p_mouse->getMouseAction(), p_mouse->getMouseButton(), cell.getX(), cell.getY());
+// Runs xdotool; a round trip on the window's own connection then queues
+// everything it did for the window.
+int xdotool(const std::string& arguments) {
+  const int status = std::system(("xdotool " + arguments).c_str());
+  vt::DisplayManager::getInstance().getWindow()->getPosition();
+  return status;
 }
-
-class InputWindowTest : public testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_TRUE(vt::test::startProcessXvfb());
-    vt::Config::getInstance().setWindowTitle(TITLE);
-    ASSERT_EQ(vt::DisplayManager::getInstance().startUp(), 0);
-    ASSERT_EQ(vt::WorldManager::getInstance().startUp(), 0);
-    ASSERT_EQ(InputManager::getInstance().startUp(), 0);
-    auto* p_recorder = new test::RecordingObject;
-    ASSERT_EQ(p_recorder->registerInterest(vt::KEYBOARD_EVENT), 0);
-    ASSERT_EQ(p_recorder->registerInterest(vt::MOUSE_EVENT), 0);
-    p_recorder->on_event = [this](const vt::Event* p_event) {
-      steps.back().push_back(describe(p_event));
-    };
-    ASSERT_EQ(xdotool("search --name " + TITLE + " windowfocus --sync"), 0);
-  }
-
-  void TearDown() override {
-    InputManager::getInstance().shutDown();
-    vt::WorldManager::getInstance().shutDown();
-    vt::DisplayManager::getInstance().shutDown();
-  }
-
-  static sf::RenderWindow& window() { return *vt::DisplayManager::getInstance().getWindow(); }
-
-  // Runs xdotool; a round trip on the window's own connection then queues
-  // everything it did for the window.
-  static int xdotool(const std::string& arguments) {
-    const int status = std::system(("xdotool " + arguments).c_str());
-    window().getPosition();
-    return status;
-  }
-
-  // One round of input; returns what the recorder received in it.
-  const Events& step() {
-    steps.emplace_back();
-    InputManager::getInstance().getInput();
-    return steps.back();
-  }
-
-  vt::test::TestConfig config{false};
-  std::vector<Events> steps;
-};
-
-// The whole engine with a window, started by the game manager from a
-// configuration file of its own, the log at level 1.
-class WindowedGameTest : public testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_TRUE(vt::test::startProcessXvfb());
-    std::ofstream(directory + "/config.txt")
-        << "font_file:" << VANTOR_FONT_PATH << ",\nlogfile:" << directory << "/vantor.log,\n"
-        << "window_title:" << TITLE << ",\n";
-    setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
-    unsetenv("VANTOR_LOG");
-    ASSERT_EQ(vt::GameManager::getInstance().startUp(), 0);
-    vt::LogManager::getInstance().setLogLevel(1);
-    ASSERT_NE(vt::DisplayManager::getInstance().getWindow(), nullptr);
-  }
-
-  void TearDown() override {
-    if (vt::GameManager::getInstance().isStarted()) vt::GameManager::getInstance().shutDown();
-    test::restoreEngineSettings();
-    std::filesystem::remove_all(directory);
-  }
-
-  // Stops the engine; returns its whole log.
-  std::string stopAndReadLog() {
-    vt::GameManager::getInstance().shutDown();
-    return test::readFile(directory + "/vantor.log");
-  }
-
-  const std::string directory = test::makeTempDir();
-};
 
 // What a window manager sends when the window's close button is pressed: a
 // WM_PROTOCOLS client message naming WM_DELETE_WINDOW, sent to the client
@@ -154,35 +74,42 @@ bool sendCloseRequest(sf::WindowHandle window) {
   return sent;
 }
 
-std::size_t occurrences(const std::string& text, const std::string& part) {
-  std::size_t count = 0;
-  for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) count++;
-  return count;
-}
-
 }  // namespace
 
-TEST_F(WindowedGameTest, CloseRequestFromTheServerEndsTheGameAndIsRecorded) {
+// The whole engine with a window, started by the game manager from a
+// configuration file of its own, the log at level 1.
+TEST(WindowedGame, CloseRequestFromTheServerEndsTheGameAndIsRecorded) {
+  ASSERT_TRUE(vt::test::startProcessXvfb());
+  const std::string directory = test::makeTempDir();
+  std::ofstream(directory + "/config.txt")
+      << "font_file:" << VANTOR_FONT_PATH << ",\nlogfile:" << directory << "/vantor.log,\n"
+      << "window_title:" << TITLE << ",\n";
+  setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
+  unsetenv("VANTOR_LOG");
   vt::GameManager& game_manager = vt::GameManager::getInstance();
+  ASSERT_EQ(game_manager.startUp(), 0);
+  vt::LogManager::getInstance().setLogLevel(1);
   const std::string recording = directory + "/closed.vrec";
   ASSERT_EQ(vt::Recorder::getInstance().startRecording(recording), 0);
   // Steps without a request leave the game running.
   for (int i = 0; i < 5; i++) game_manager.step();
   ASSERT_FALSE(game_manager.getGameOver());
-
   ASSERT_TRUE(sendCloseRequest(vt::DisplayManager::getInstance().getWindow()->getSystemHandle()));
   // The request is on its way to the window's own connection; the loop
   // picks it up within a few steps.
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
   int steps = 0;
-  while (!game_manager.getGameOver() && std::chrono::steady_clock::now() < deadline) {
-    game_manager.step();
-    steps++;
-  }
-  EXPECT_TRUE(game_manager.getGameOver()) << "still running after " << steps << " steps";
-  EXPECT_EQ(occurrences(stopAndReadLog(),
-                        "InputManager::getInput(): Window close event. Setting game over."),
-            1u);
+  EXPECT_TRUE(test::waitFor(
+      [&] {
+        game_manager.step();
+        steps++;
+        return game_manager.getGameOver();
+      },
+      20));
+  game_manager.shutDown();
+  const std::string log = test::readFile(directory + "/vantor.log");
+  const std::string closed = "getInput(): Window close event. Setting";
+  EXPECT_EQ(log.find(closed, log.find(closed) + 1), std::string::npos) << "logged once";
+  EXPECT_NE(log.find("InputManager::" + closed + " game over."), std::string::npos);
   // The close ends the recording's last step, and ends its replay there too,
   // in a window whose own input is left aside.
   const std::string recorded = test::readFile(recording);
@@ -192,9 +119,22 @@ TEST_F(WindowedGameTest, CloseRequestFromTheServerEndsTheGameAndIsRecorded) {
   ASSERT_EQ(vt::Recorder::getInstance().startReplay(recording), 0);
   game_manager.run();
   EXPECT_EQ(vt::Recorder::getInstance().stop(), 0) << vt::Recorder::getInstance().getFailure();
+  game_manager.shutDown();
+  test::restoreEngineSettings();
+  std::filesystem::remove_all(directory);
 }
 
-TEST_F(InputWindowTest, KeysAndMouseArriveStepByStep) {
+TEST(InputWindow, KeysAndMouseArriveStepByStep) {
+  ASSERT_TRUE(vt::test::startProcessXvfb());
+  vt::test::TestConfig config(false);
+  vt::Config::getInstance().setWindowTitle(TITLE);
+  ASSERT_EQ(vt::DisplayManager::getInstance().startUp(), 0);
+  ASSERT_EQ(vt::WorldManager::getInstance().startUp(), 0);
+  ASSERT_EQ(InputManager::getInstance().startUp(), 0);
+  auto* p_recorder = new test::RecordingObject;
+  ASSERT_EQ(p_recorder->registerInterest(vt::KEYBOARD_EVENT), 0);
+  ASSERT_EQ(p_recorder->registerInterest(vt::MOUSE_EVENT), 0);
+  ASSERT_EQ(xdotool("search --name " + TITLE + " windowfocus --sync"), 0);
   const std::string on_window = "search --name " + TITLE + " mousemove --window %1 ";
   const auto at = [](int action, int button) { return mouse(action, button, 5, 3); };
   const std::string left_held = at(vt::PRESSED, vt::Mouse::LEFT);
@@ -216,10 +156,16 @@ TEST_F(InputWindowTest, KeysAndMouseArriveStepByStep) {
       {"mouseup 3 mouseup 1 mousedown 2",
        {at(vt::CLICKED, vt::Mouse::MIDDLE), at(vt::PRESSED, vt::Mouse::MIDDLE)}},
       {"mouseup 2 " + on_window + "640 400", {mouse(vt::MOVED, no_button, 50, 12.5f)}}};
+  // Each round of input, and what the recorder received in it.
   for (const auto& [input, events] : rounds) {
     ASSERT_EQ(input.empty() ? 0 : xdotool(input), 0);
-    EXPECT_EQ(step(), events) << input;
+    p_recorder->seen.clear();
+    InputManager::getInstance().getInput();
+    EXPECT_EQ(p_recorder->seen, events) << input;
   }
+  InputManager::getInstance().shutDown();
+  vt::WorldManager::getInstance().shutDown();
+  vt::DisplayManager::getInstance().shutDown();
 }
 
 // Engine codes 0 to 72 go, in order, to these keys, F1 to F12, A to Z, 1 to 9,

@@ -2,10 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <SFML/Audio.hpp>
-#include <chrono>
-#include <functional>
 #include <string>
-#include <thread>
 #include <tuple>
 #include <vector>
 
@@ -13,23 +10,16 @@
 #include "media/Music.h"
 #include "media/ResourceManager.h"
 #include "media/Sound.h"
-#include "support/ResourceEngine.h"
+#include "support/HeadlessEngine.h"
 
 using Lines = std::vector<std::string>;
 using Samples = std::vector<sf::Int16>;
 using Status = sf::SoundSource::Status;
-using test::littleEndian;
 using namespace std::string_literals;
 
 namespace {
 
-// Waits up to ten seconds for the condition; true when it came.
-bool waitFor(const std::function<bool()>& condition) {
-  for (int waited = 0; waited < 10000 && !condition(); waited += 10) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return condition();
-}
+using test::littleEndian, test::wavBytes, test::waitFor;
 
 // The bytes with part written over them from offset at.
 std::string with(std::string bytes, std::size_t at, const std::string& part) {
@@ -41,7 +31,7 @@ class SoundTest : public testing::Test {
  protected:
   void SetUp() override { testing::internal::CaptureStderr(); }
   void TearDown() override { EXPECT_EQ(testing::internal::GetCapturedStderr(), ""); }
-  test::ResourceEngine engine;
+  test::HeadlessEngine engine{test::HeadlessEngine::WORLD_AND_RESOURCES};
 };
 
 }  // namespace
@@ -51,7 +41,7 @@ TEST_F(SoundTest, SoundsAndMusicPlayOnceOrLoopPauseAndStop) {
   vt::LogManager::getInstance().setLogLevel(5);
   vt::Sound sound;
   vt::Music music;
-  const std::string beep = engine.writeWav("beep.wav", 400);
+  const std::string beep = engine.writeFile("beep.wav", wavBytes(400));
   ASSERT_EQ(sound.loadSound(beep) + music.loadMusic(beep), 0);
   engine.newLogLines();
   sound.play(false);
@@ -60,7 +50,7 @@ TEST_F(SoundTest, SoundsAndMusicPlayOnceOrLoopPauseAndStop) {
   EXPECT_TRUE(waitFor([&] { return music.getStatus() == Status::Stopped; }));
   EXPECT_EQ(engine.newLogLines().front(), "Sound::play(): Playing sound.");
   // Long enough for its stream never to run dry on a busy machine.
-  ASSERT_EQ(music.loadMusic(engine.writeWav("long.wav", 8000 * 20)), 0);
+  ASSERT_EQ(music.loadMusic(engine.writeFile("long.wav", wavBytes(8000 * 20))), 0);
   music.play(true);
   music.pause();
   EXPECT_EQ(music.getStatus(), Status::Paused);
@@ -81,15 +71,19 @@ TEST_F(SoundTest, SoundsAndMusicPlayOnceOrLoopPauseAndStop) {
 // stops and is no longer found. Stopping the manager silences and forgets all.
 TEST_F(SoundTest, ManagerHoldsSoundsAndMusicByLabelWhileStarted) {
   vt::ResourceManager& rm = vt::ResourceManager::getInstance();
-  const std::string file = engine.writeWav("beep.wav", 400);
+  const std::string file = engine.writeFile("beep.wav", wavBytes(400));
   // Music long enough for its stream never to run dry on a busy machine.
-  const std::string song = engine.writeWav("song.wav", 8000 * 5);
+  const std::string song = engine.writeFile("song.wav", wavBytes(8000 * 5));
   for (const char* label : {"fire", "boom", "hit"}) ASSERT_EQ(rm.loadSound(file, label), 0);
   EXPECT_EQ(rm.unloadSound("fire"), 0);
   EXPECT_EQ(rm.unloadSound("fire"), -1);
   ASSERT_EQ(rm.loadSound(file, "zap"), 0);
   for (const char* label : {"boom", "hit", "zap"}) rm.getSound(label)->play(true);
-  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  // The looping ones play on past the end of the same sound played once.
+  vt::Sound once;
+  ASSERT_EQ(once.loadSound(file), 0);
+  once.play(false);
+  ASSERT_TRUE(waitFor([&] { return once.getStatus() == Status::Stopped; }));
   for (const char* label : {"boom", "hit", "zap"})
     EXPECT_EQ(rm.getSound(label)->getStatus(), Status::Playing) << label;
   EXPECT_EQ(rm.loadMusic(song, ""), -1);
@@ -123,7 +117,7 @@ TEST_F(SoundTest, ManagerHoldsSoundsAndMusicByLabelWhileStarted) {
 // stands for the path), broken or unsupported WAV files with the reader's;
 // each then has the manager's line.
 TEST_F(SoundTest, BadSoundFilesAreRefusedWithTheirLogLines) {
-  const std::string good = test::ResourceEngine::wavBytes(100);
+  const std::string good = wavBytes(100);
   const std::string unsupported = "SFML: Failed to open sound file \"@\" (format not supported)";
   const std::string refused =
       "WavReader::open(): Error! Not a WAV file of 8, 16, 24 or 32-bit PCM samples in 1 to 8 "
@@ -142,8 +136,7 @@ TEST_F(SoundTest, BadSoundFilesAreRefusedWithTheirLogLines) {
       {"nine-channels", with(with(good, 22, "\x09"s), 32, "\x12"s), {refused}},
       // Eight bits (which SFML reads) claiming two billion samples.
       {"liar",
-       with(with(test::ResourceEngine::wavBytes(8), 32, "\x01\0\x08"s), 40,
-            littleEndian(2000000000, 4)),
+       with(with(wavBytes(8), 32, "\x01\0\x08"s), 40, littleEndian(2000000000, 4)),
        {"Sound::loadSound(): Error! '@' claims 2000000000 samples, more than 57600000."}},
   };
   for (const auto& [name, bytes, sfml] : cases) {
@@ -160,7 +153,7 @@ TEST_F(SoundTest, BadSoundFilesAreRefusedWithTheirLogLines) {
   }
   EXPECT_EQ(rm.getSoundCount(), 0);
   // A 16-bit file claiming more than it holds is cut to what it holds.
-  const std::string liar = engine.writeWav("liar16.wav", 100, 2000000000);
+  const std::string liar = engine.writeFile("liar16.wav", wavBytes(100, 2000000000));
   EXPECT_EQ(rm.loadSound(liar, "cut") + rm.loadMusic(liar, "cut"), 0);
   // Whole frames of 8, 24 and 32 bits load too.
   for (const std::string& layout : {"\x01\0\x08"s, "\x03\0\x18"s, "\x04\0\x20"s}) {
@@ -175,8 +168,7 @@ TEST_F(SoundTest, WavFilesReadAsTheSamplesWritten) {
   std::string data;
   for (const sf::Int16 sample : {0, 1, -1, 32767, -32768, 258, 5, -5})
     data += littleEndian(static_cast<std::uint16_t>(sample), 2);
-  const std::string stereo =
-      with(with(test::ResourceEngine::wavBytes(8), 22, "\x02"s), 32, "\x04"s).substr(0, 44) + data;
+  const std::string stereo = with(with(wavBytes(8), 22, "\x02"s), 32, "\x04"s).substr(0, 44) + data;
   const std::string bytes = stereo.substr(0, 12) + "LIST\x03\0\0\0odd\0"s + stereo.substr(12);
   vt::Sound prepares_the_readers;
   sf::InputSoundFile file;

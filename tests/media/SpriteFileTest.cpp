@@ -6,7 +6,7 @@
 
 #include "core/LogManager.h"
 #include "media/ResourceManager.h"
-#include "support/ResourceEngine.h"
+#include "support/HeadlessEngine.h"
 #include "world/Object.h"
 
 using Lines = std::vector<std::string>;
@@ -116,7 +116,7 @@ const std::pair<std::string, Lines> REFUSED[] = {
 }  // namespace
 
 TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
-  test::ResourceEngine engine;
+  test::HeadlessEngine engine(test::HeadlessEngine::WORLD_AND_RESOURCES);
   ASSERT_EQ(engine.loadSpriteText("keep", "2\n3\n1\n2\ncyan\nabc\ndef\n"), 0);
   const auto load = [&](const std::string& text, Lines log, const std::string& sprite) {
     SCOPED_TRACE(text.substr(0, 80));
@@ -152,7 +152,7 @@ TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
 }
 
 TEST(SpriteFile, SpritesByLabelUpToAThousandAndOnObjects) {
-  test::ResourceEngine engine;
+  test::HeadlessEngine engine(test::HeadlessEngine::WORLD_AND_RESOURCES);
   const std::string file = engine.writeFile("box.txt", "1\n5\n3\n0\nred\n.....\n.....\n.....\n");
   for (const char* label : {"a", "b", "c", "b"}) ASSERT_EQ(rm.loadSprite(file, label), 0);
   vt::Sprite* p_c = rm.getSprite("c");

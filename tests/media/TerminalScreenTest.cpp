@@ -15,14 +15,13 @@ using vt::TerminalScreen;
 // clearing, and characters written without wrapping.
 class VirtualTerminal {
  public:
-  VirtualTerminal(int columns, int rows)
-      : columns(columns), rows(rows), cells(static_cast<std::size_t>(columns * rows)) {}
-
   struct Cell {
     char ch = 0;
-    std::string foreground;
-    std::string background;
+    std::string foreground, background;
   };
+
+  VirtualTerminal(int columns, int rows)
+      : columns(columns), rows(rows), cells(static_cast<std::size_t>(columns * rows)) {}
 
   void apply(const std::string& bytes) {
     for (std::size_t i = 0; i < bytes.size(); i++) {
@@ -30,8 +29,7 @@ class VirtualTerminal {
         put(bytes[i]);
         continue;
       }
-      ASSERT_LT(i + 1, bytes.size());
-      ASSERT_EQ(bytes[i + 1], '[') << "only control sequences are written";
+      ASSERT_EQ(bytes.substr(i + 1, 1), "[") << "only control sequences are written";
       std::size_t end = i + 2;
       while (end < bytes.size() && !(bytes[end] >= '@' && bytes[end] <= '~')) end++;
       ASSERT_LT(end, bytes.size()) << "a sequence is cut short";
@@ -59,13 +57,17 @@ class VirtualTerminal {
   }
 
   void control(const std::string& parameters, char final, const std::string& whole) {
+    const std::size_t semicolon = parameters.find(';');
     if (final == 'H') {
-      y = std::stoi(parameters.substr(0, parameters.find(';'))) - 1;
-      x = std::stoi(parameters.substr(parameters.find(';') + 1)) - 1;
+      y = std::stoi(parameters.substr(0, semicolon)) - 1;
+      x = std::stoi(parameters.substr(semicolon + 1)) - 1;
     } else if (final == 'C') {
       x += std::stoi(parameters);
+    } else if (final == 'm' && parameters == "0") {
+      foreground.clear(), background.clear();
     } else if (final == 'm') {
-      color(parameters, whole);
+      const int code = std::stoi(parameters.substr(0, semicolon));
+      (code == 48 || (code >= 40 && code <= 47) || code >= 100 ? background : foreground) = whole;
     } else if (final == 'J' || final == 'K') {
       const int first = final == 'J' ? 0 : y * columns;
       const int last = final == 'J' ? columns * rows : (y + 1) * columns;
@@ -73,32 +75,24 @@ class VirtualTerminal {
     }
   }
 
-  void color(const std::string& parameters, const std::string& whole) {
-    if (parameters == "0") {
-      foreground.clear();
-      background.clear();
-      return;
-    }
-    const int code = std::stoi(parameters.substr(0, parameters.find(';')));
-    const bool is_background = code == 48 || (code >= 40 && code <= 47) || code >= 100;
-    (is_background ? background : foreground) = whole;
-  }
-
-  int columns;
-  int rows;
+  int columns, rows;
   std::vector<Cell> cells;
-  int x = 0;
-  int y = 0;
-  std::string foreground;
-  std::string background;
+  int x = 0, y = 0;
+  std::string foreground, background;
 };
 
+struct Rgb {
+  unsigned char r = 0, g = 0, b = 0;
+};
+Rgb rgbOf(vt::Color color) {
+  Rgb rgb;
+  vt::colorToRGB(color, rgb.r, rgb.g, rgb.b);
+  return rgb;
+}
+
 std::string sequenceOf(const TerminalScreen& screen, vt::Color color, bool foreground) {
-  unsigned char r = 0;
-  unsigned char g = 0;
-  unsigned char b = 0;
-  vt::colorToRGB(color, r, g, b);
-  return screen.colorSequence(r, g, b, foreground);
+  const Rgb rgb = rgbOf(color);
+  return screen.colorSequence(rgb.r, rgb.g, rgb.b, foreground);
 }
 
 // Every cell of the frame shows in the terminal: its character, in its
@@ -122,13 +116,9 @@ void expectShows(const VirtualTerminal& terminal, const TerminalScreen& screen,
 void scatter(vt::CellFrame& frame, std::mt19937& random, int count) {
   const char* const chars = "#@*.o<>=-|ABZ ";
   for (int i = 0; i < count; i++) {
-    const auto color = static_cast<vt::Color>(random() % 8);
-    unsigned char r = 0;
-    unsigned char g = 0;
-    unsigned char b = 0;
-    vt::colorToRGB(color, r, g, b);
+    const Rgb rgb = rgbOf(static_cast<vt::Color>(random() % 8));
     frame.put(vt::Vector(static_cast<float>(random() % 40), static_cast<float>(random() % 12)),
-              chars[random() % 14], r, g, b);
+              chars[random() % 14], rgb.r, rgb.g, rgb.b);
   }
 }
 

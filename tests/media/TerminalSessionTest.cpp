@@ -10,6 +10,8 @@
 
 namespace {
 
+using test::TmuxSession;
+
 // The modes a game takes over, as tmux reports them: alternate screen,
 // cursor shown, mouse reporting (any kind, SGR form), wrapping.
 const char* const MODES =
@@ -39,19 +41,34 @@ const WayOut WAYS_OUT[] = {
     {"an uncaught exception", "throw", "", "", 128 + 6},
 };
 
+// The probe's 80x24 in a terminal resized under it: cropped with a notice,
+// then whole again, each time drawn afresh.
+void expectResizesShowTheGameAfresh(const TmuxSession& session) {
+  ASSERT_TRUE(session.resize(40, 10));
+  EXPECT_TRUE(TmuxSession::waitFor(
+      [&] { return session.shows("The terminal is 40x10, the game 80x24: s"); }, 10));
+  EXPECT_TRUE(session.shows("probe step"));
+  ASSERT_TRUE(session.resize(90, 26));
+  EXPECT_TRUE(TmuxSession::waitFor([&] { return !session.shows("The terminal is"); }, 10));
+  EXPECT_TRUE(session.shows("probe step"));
+  EXPECT_EQ(session.screenText().size(), 26u);
+}
+
+// Before Q ends it, the game is shown in a resized terminal.
 TEST(TerminalSession, EveryWayOutGivesTheTerminalItsModesBack) {
   for (const WayOut& way : WAYS_OUT) {
     SCOPED_TRACE(way.name);
     const std::string folder = test::makeTempDir();
-    test::TmuxSession session(
-        "cd " + folder +
-            " && stty -g > before; VANTOR_DISPLAY=terminal " VANTOR_TERMINAL_PROBE " " +
-            way.ending + " pid; status=$?; stty -g > after; (exit $status)",
-        80, 24);
+    TmuxSession session("cd " + folder +
+                            " && stty -g > before; VANTOR_DISPLAY=terminal " VANTOR_TERMINAL_PROBE
+                            " " +
+                            way.ending + " pid; status=$?; stty -g > after; (exit $status)",
+                        80, 24);
     ASSERT_TRUE(session.isRunning());
-    ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.shows("probe step"); }, 30))
+    ASSERT_TRUE(TmuxSession::waitFor([&] { return session.shows("probe step"); }, 30))
         << test::readFile(folder + "/vantor.log");
     EXPECT_EQ(session.paneFormat(MODES), MODES_OF_A_GAME);
+    if (std::string(way.keys) == "q") expectResizesShowTheGameAfresh(session);
     if (*way.keys != '\0') {
       EXPECT_TRUE(session.sendKeys(way.keys));
     }
@@ -60,7 +77,7 @@ TEST(TerminalSession, EveryWayOutGivesTheTerminalItsModesBack) {
     // first interrupt.
     const bool stuck = std::string(way.ending) == "hang";
     if (stuck) {
-      ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.shows("probe step 28"); }, 30));
+      ASSERT_TRUE(TmuxSession::waitFor([&] { return session.shows("probe step 28"); }, 30));
     }
     for (int sent = 0; *way.signal != '\0' && sent < (stuck ? 2 : 1); sent++) {
       const std::string kill =
@@ -68,37 +85,13 @@ TEST(TerminalSession, EveryWayOutGivesTheTerminalItsModesBack) {
       EXPECT_EQ(std::system(kill.c_str()), 0);
       std::this_thread::sleep_for(std::chrono::milliseconds(200));
     }
-    ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.exitStatus() >= 0; }, 30));
+    ASSERT_TRUE(TmuxSession::waitFor([&] { return session.exitStatus() >= 0; }, 30));
     EXPECT_EQ(session.exitStatus(), way.status);
     EXPECT_EQ(session.paneFormat(MODES), MODES_OF_A_SHELL);
     EXPECT_EQ(test::readFile(folder + "/after"), test::readFile(folder + "/before"))
         << "the line discipline's settings";
     std::filesystem::remove_all(folder);
   }
-}
-
-}  // namespace
-
-namespace {
-
-// The probe's 80x24 in a terminal resized under it: cropped with a notice,
-// then whole again, each time drawn afresh.
-TEST(TerminalSession, AResizedTerminalShowsTheGameAfreshCroppedOrWhole) {
-  const std::string folder = test::makeTempDir();
-  test::TmuxSession session(
-      "cd " + folder + " && VANTOR_DISPLAY=terminal " VANTOR_TERMINAL_PROBE " wait pid", 100, 30);
-  ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.shows("probe step"); }, 30));
-  ASSERT_TRUE(session.resize(40, 10));
-  EXPECT_TRUE(test::TmuxSession::waitFor(
-      [&] { return session.shows("The terminal is 40x10, the game 80x24: s"); }, 10));
-  EXPECT_TRUE(session.shows("probe step"));
-  ASSERT_TRUE(session.resize(90, 26));
-  EXPECT_TRUE(test::TmuxSession::waitFor([&] { return !session.shows("The terminal is"); }, 10));
-  EXPECT_TRUE(session.shows("probe step"));
-  EXPECT_EQ(session.screenText().size(), 26u);
-  session.sendKeys("q");
-  EXPECT_TRUE(test::TmuxSession::waitFor([&] { return session.exitStatus() == 0; }, 30));
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

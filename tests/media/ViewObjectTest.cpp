@@ -68,10 +68,13 @@ TEST_F(ViewObjectTest, ViewEventsReachTheirTagAndCopiesSaveWhatChanged) {
   const std::string groups = "STRING,VALUE,BORDER,COLOR,LOCATION,DRAW_VALUE,POSITION,";
   EXPECT_EQ(p_copy->serialize(groups), p_source->serialize(groups));
   const vt::EventView add_two("Nukes", 2, true), set_nine("Nukes", 9, false);
-  EXPECT_EQ(vt::WorldManager::getInstance().onEvent(&add_two), 3);
-  EXPECT_EQ(p_source->eventHandler(&set_nine) * 10 + p_prefix->eventHandler(&set_nine), 10);
+  vt::WorldManager& world = vt::WorldManager::getInstance();
+  EXPECT_EQ(world.onEvent(&add_two), 3);
   EXPECT_EQ(std::tuple(p_source->getValue(), p_copy->getValue(), p_prefix->getValue()),
-            std::tuple(9, -10, 1));
+            std::tuple(-10, -10, 1));
+  EXPECT_EQ(world.onEvent(&set_nine), 3);
+  EXPECT_EQ(std::tuple(p_source->getValue(), p_copy->getValue(), p_prefix->getValue()),
+            std::tuple(9, 9, 1));
   p_copy->serialize("ALL");
   p_copy->setValue(7);
   EXPECT_EQ(p_copy->serialize() + p_copy->serialize(), "view_value:7,");

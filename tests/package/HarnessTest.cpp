@@ -6,56 +6,28 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "core/Config.h"
-#include "core/EventStep.h"
 #include "core/GameManager.h"
-#include "media/EventKeyboard.h"
-#include "media/EventMouse.h"
+#include "support/RecordingObject.h"
 #include "world/WorldManager.h"
 
 namespace {
 
-class Recorder : public vt::Object {
- public:
-  Recorder() {
-    for (const auto& type : {vt::STEP_EVENT, vt::KEYBOARD_EVENT, vt::MOUSE_EVENT})
-      registerInterest(type);
-  }
-  int eventHandler(const vt::Event* p_event) override {
-    std::ostringstream line;
-    if (const auto* p_step = dynamic_cast<const vt::EventStep*>(p_event)) {
-      line << "step " << p_step->getStepCount();
-    } else if (const auto* p_key = dynamic_cast<const vt::EventKeyboard*>(p_event)) {
-      line << "key " << p_key->getKeyboardAction() << " " << p_key->getKey();
-    } else if (const auto* p_mouse = dynamic_cast<const vt::EventMouse*>(p_event)) {
-      line << "mouse " << p_mouse->getMouseAction() << " " << p_mouse->getMouseButton() << " "
-           << p_mouse->getMousePosition().toString();
-    }
-    seen.push_back(line.str());
-    return 1;
-  }
-  std::vector<std::string> seen;
-};
-
-struct ScopedVariable {
-  ScopedVariable(const char* init_name, const char* value) : name(init_name) {
-    if (const char* p_old = std::getenv(name)) old_value = p_old;
-    value ? setenv(name, value, 1) : unsetenv(name);
-  }
-  ~ScopedVariable() { old_value ? setenv(name, old_value->c_str(), 1) : unsetenv(name); }
-  const char* name;
-  std::optional<std::string> old_value;
-};
+// Records the steps, keys and mouse events it receives.
+test::RecordingObject* newRecorder() {
+  auto* p_recorder = new test::RecordingObject;
+  for (const auto& type : {vt::STEP_EVENT, vt::KEYBOARD_EVENT, vt::MOUSE_EVENT})
+    p_recorder->registerInterest(type);
+  return p_recorder;
+}
 
 TEST(Harness, InputArrivesInTheLoopsOrderHeldInputRepeats) {
   vt::Harness harness;
   ASSERT_EQ(harness.startUp(), 0);
-  auto* p_recorder = new Recorder;
+  auto* p_recorder = newRecorder();
   harness.holdKey(vt::Keyboard::SPACE);
   harness.holdMouse(vt::Mouse::LEFT, vt::Vector(5, 3));
   harness.tapKey(vt::Keyboard::A);
@@ -75,7 +47,7 @@ TEST(Harness, InputArrivesInTheLoopsOrderHeldInputRepeats) {
   harness.holdMouse(vt::Mouse::RIGHT, vt::Vector(1, 1));
   harness.shutDown();
   ASSERT_EQ(harness.startUp(), 0);
-  auto* p_fresh = new Recorder;
+  auto* p_fresh = newRecorder();
   harness.step(2);
   // A press is held down for a few steps, as a player's is.
   harness.pressKey(vt::Keyboard::A);
@@ -89,9 +61,9 @@ TEST(Harness, AFailedStartSaysWhereAndTheHarnessRestoresTheSettingsItForces) {
   const std::string config_file = testing::TempDir() + "harness-config.txt";
   const std::string log_file = testing::TempDir() + "harness-start.log";
   std::ofstream(config_file) << "headless:false,\nwindow_horizontal_chars:40,\nlogfile:game.log,\n";
-  const ScopedVariable config_variable("VANTOR_CONFIG", config_file.c_str());
-  const ScopedVariable log_variable("VANTOR_LOG", log_file.c_str());
-  const ScopedVariable display_variable("DISPLAY", nullptr);
+  setenv("VANTOR_CONFIG", config_file.c_str(), 1);
+  setenv("VANTOR_LOG", log_file.c_str(), 1);
+  unsetenv("DISPLAY");
   testing::internal::CaptureStderr();
   EXPECT_EQ(vt::GameManager::getInstance().startUp(), -1);
   vt::GameManager::getInstance().shutDown();
@@ -113,6 +85,8 @@ TEST(Harness, AFailedStartSaysWhereAndTheHarnessRestoresTheSettingsItForces) {
   EXPECT_EQ(std::string(std::getenv("VANTOR_LOG")), log_file);
   EXPECT_FALSE(vt::Config::getInstance().getHeadless());
   std::remove(config_file.c_str());
+  unsetenv("VANTOR_CONFIG");
+  unsetenv("VANTOR_LOG");
 }
 
 }  // namespace

@@ -10,11 +10,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
-
-#include "core/Config.h"
-#include "core/LogManager.h"
-#include "support/HeadlessEngine.h"
 
 // Last: Xlib defines macros (None, Status, Bool) that clash with other headers.
 #include <X11/Xlib.h>
@@ -100,26 +95,6 @@ bool startProcessXvfb(const char* screen) {
   static const bool driver_kept = server.running && keepGraphicsDriverLoaded();
   (void)driver_kept;
   return server.running;
-}
-
-TestConfig::TestConfig(bool headless) : temp_folder(::test::makeTempDir()) {
-  Config& config = Config::getInstance();
-  config.setFontFile(VANTOR_FONT_PATH);
-  config.setHeadless(headless);
-  config.setLogFile(temp_folder + "/vantor.log");
-  unsetenv("VANTOR_LOG");
-  LogManager::getInstance().startUp();
-  LogManager::getInstance().setFlush(true);
-}
-
-TestConfig::~TestConfig() {
-  LogManager::getInstance().shutDown();
-  ::test::restoreEngineSettings();
-  std::filesystem::remove_all(temp_folder);
-}
-
-std::string TestConfig::logText() const {
-  return ::test::readFile(temp_folder + "/vantor.log");
 }
 
 sf::Image captureWindow(const sf::Window& window) {

@@ -3,6 +3,8 @@
 #include <SFML/Graphics.hpp>
 #include <string>
 
+#include "support/HeadlessEngine.h"
+
 namespace vt::test {
 
 // Starts this process's own X server, of the screen given (WxHxDEPTH), on
@@ -10,20 +12,10 @@ namespace vt::test {
 // before any SFML window; the first call chooses the screen.
 bool startProcessXvfb(const char* screen = "1280x1024x24");
 
-// The test font, the headless flag and a flushed log in a temporary folder;
-// the destructor stops the log and puts every setting back.
-class TestConfig {
- public:
-  explicit TestConfig(bool headless);
-  ~TestConfig();
-  TestConfig(const TestConfig&) = delete;
-  TestConfig& operator=(const TestConfig&) = delete;
-
-  const std::string& folder() const { return temp_folder; }
-  std::string logText() const;
-
- private:
-  std::string temp_folder;
+// The log of a test that opens a window (see test::HeadlessEngine).
+struct TestConfig : ::test::HeadlessEngine {
+  explicit TestConfig(bool headless) : HeadlessEngine(LOG_ONLY, headless) {}
+  const std::string& folder() const { return getDirectory(); }
 };
 
 // What the X server shows of the window after its last buffer swap.

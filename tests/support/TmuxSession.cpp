@@ -2,13 +2,9 @@
 
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <sstream>
-#include <thread>
-
-#include "support/HeadlessEngine.h"
 
 namespace test {
 
@@ -88,15 +84,6 @@ std::string TmuxSession::paneFormat(const std::string& format) const {
 int TmuxSession::exitStatus() const {
   const std::string status = readFile(folder + "/status");
   return status.empty() ? -1 : std::stoi(status);
-}
-
-bool TmuxSession::waitFor(const std::function<bool()>& condition, double seconds) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  }
-  return true;
 }
 
 bool TmuxSession::shows(const std::string& words) const {

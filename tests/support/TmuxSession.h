@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "support/HeadlessEngine.h"
+
 namespace test {
 
 // A program run in a terminal of its own: a detached tmux session of a given
@@ -32,9 +34,9 @@ class TmuxSession {
   std::string paneFormat(const std::string& format) const;
   // The command's exit status once it ended, else -1.
   int exitStatus() const;
-  // Asks again every 50 ms until the condition holds or the seconds are
-  // up; true when it held.
-  static bool waitFor(const std::function<bool()>& condition, double seconds);
+  static bool waitFor(const std::function<bool()>& condition, double seconds) {
+    return test::waitFor(condition, seconds);
+  }
   // The screen's text contains the words.
   bool shows(const std::string& words) const;
 

@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
 
 #include "extras/NetworkManager.h"
+#include "media/Shape.h"
 #include "support/HeadlessEngine.h"
 #include "world/SceneGraph.h"
 #include "world/WorldManager.h"
 
+using vt::Object;
 using vt::Vector;
 
 TEST(Object, IdsAreUniqueAndFindTheirObject) {
@@ -111,5 +114,181 @@ TEST(SceneGraph, ListsFollowTheObjectsAttributes) {
     EXPECT_EQ(graph.visibleObjects(2).contains(p), step.visible_at_2);
     EXPECT_EQ(graph.visibleObjects(4).contains(p), step.visible_at_4);
     EXPECT_EQ(graph.objectsOfType("ship").contains(p), step.ship);
+  }
+}
+
+TEST(ObjectSerialization, WritesEveryGroupOnceThenOnlyWhatChangedOrWasNamed) {
+  test::HeadlessEngine engine;
+  auto* p_object = new Object;
+  const std::string id = std::to_string(p_object->getId());
+  const std::string everything = p_object->serialize();
+  EXPECT_EQ(everything,
+            "id:" + id +
+                ",is_active:true,is_visible:true,event_count:0,"
+                "box-corner-x:-0.5,box-corner-y:-0.5,box-horizontal:0.99,box-vertical:0.99,"
+                "pos-x:1,pos-y:1,type:(Undefined),"
+                "sprite_name:,sprite_index:0,sprite_slowdown_count:0,"
+                "altitude:2,solidness:0,no_soft:false,x_direction:0,y_direction:0,speed:0,"
+                "x_acceleration:0,y_acceleration:0,shape:-1,size:1,color:White,opacity:255,"
+                "follow_path:false,path:,path_index:0,avoid_collisions:false,");
+  // Setting a value an object already has changes nothing.
+  p_object->setAltitude(2);
+  p_object->setPosition(Vector(1, 1));
+  EXPECT_EQ(p_object->serialize(), "");
+  EXPECT_FALSE(p_object->isModified(vt::POSITION));
+  EXPECT_EQ(p_object->serialize("ALL"), everything);
+  p_object->setVelocity(Vector(0, -3));
+  p_object->setDirection(Vector(0.5f, 0.25f));
+  p_object->setPosition(Vector(3.25f, -4));
+  p_object->registerInterest("nuke");
+  p_object->setPath({Vector(3, 4), Vector(5.5f, 4)});
+  EXPECT_EQ(p_object->serialize(),
+            "event_count:1,event_name[0]:nuke,pos-x:3.25,pos-y:-4,x_direction:0.5,y_direction:0."
+            "25,speed:3,path:3 4|5.5 4|,path_index:2,");
+  // Named groups are written whether modified or not; the others keep their
+  // flags. Without its trailing comma the last name matches nothing.
+  p_object->setAltitude(3);
+  EXPECT_EQ(p_object->serialize("SPEED,POSITION,"), "pos-x:3.25,pos-y:-4,speed:3,");
+  EXPECT_EQ(p_object->serialize("ID,ALTITUDE"), "id:" + id + ",");
+  EXPECT_EQ(p_object->serialize(), "altitude:3,");
+}
+
+// Each setter and the group it marks: the next serialize writes that group alone.
+const std::pair<std::function<int(Object&)>, std::string> SETTERS[] = {
+    {[](Object& o) { return o.setType("Ship"); }, "type:Ship,"},
+    {[](Object& o) { return o.setActive(false); }, "is_active:false,"},
+    {[](Object& o) { return o.setVisible(false); }, "is_visible:false,"},
+    {[](Object& o) { return o.setSolidness(vt::SOFT); }, "solidness:1,"},
+    {[](Object& o) { return o.setNoSoft(); }, "no_soft:true,"},
+    {[](Object& o) { return o.setAvoidCollisions(); }, "avoid_collisions:true,"},
+    {[](Object& o) { return o.setBox(vt::Box(Vector(-2, -1), 4, 2)); },
+     "box-corner-x:-2,box-corner-y:-1,box-horizontal:4,box-vertical:2,"},
+    // A new speed marks the direction's group, not its own.
+    {[](Object& o) { return o.setSpeed(2), 0; }, "x_direction:0,y_direction:0,"},
+    {[](Object& o) { return o.setAcceleration(Vector(0.125f, -1)), 0; },
+     "x_acceleration:0.125,y_acceleration:-1,"},
+    {[](Object& o) {
+       vt::Shape shape;
+       shape.setType(vt::TRIANGLE);
+       shape.setSize(6.5f);
+       shape.setColor(vt::BLACK);
+       shape.setOpacity(128);
+       return o.setShape(shape), 0;
+     },
+     "shape:2,size:6.5,color:Black,opacity:128,"},
+    {[](Object& o) { return o.setFollowPath(), 0; }, "follow_path:true,"},
+};
+
+TEST(ObjectSerialization, EachSetterMarksItsOwnGroup) {
+  test::HeadlessEngine engine;
+  for (const auto& [set, written] : SETTERS) {
+    auto* p_object = new Object;
+    p_object->serialize();
+    EXPECT_EQ(set(*p_object), 0) << written;
+    EXPECT_EQ(p_object->serialize(), written);
+  }
+  // The same value again changes nothing, and is no failure.
+  auto* p_object = new Object;
+  p_object->serialize();
+  EXPECT_EQ(p_object->setActive(true) + p_object->setVisible(true) + p_object->setNoSoft(false), 0);
+  EXPECT_EQ(p_object->serialize(), "");
+}
+
+TEST(ObjectSerialization, ACopyMadeFromTheTextMatchesTheOriginal) {
+  test::HeadlessEngine engine;
+  auto* p_source = new Object;
+  p_source->setPosition(Vector(12.5f, -3.25f));
+  p_source->setAltitude(4);
+  p_source->setVelocity(Vector(0, -2.5f));
+  p_source->setPath({Vector(13, -3), Vector(14, -2.5f)});
+  // The last setter starts the object on its path.
+  for (const auto& setter : SETTERS) setter.first(*p_source);
+  for (const char* event : {"nuke", "phase"}) p_source->registerInterest(event);
+  // Colours go out as names but are read back as numbers: only Black, 0,
+  // comes back as it went.
+  vt::Animation animation;
+  animation.setIndex(2);
+  p_source->setAnimation(animation, false);
+  const std::string text = p_source->serialize("ALL");
+  // The copy's own events give way to the ones received.
+  auto* p_copy = new Object;
+  p_copy->registerInterest("alpha");
+  p_copy->serialize("ALL");
+  EXPECT_EQ(p_copy->deserialize(text), 0);
+  // The groups received are reported as modified.
+  for (int group = 0; group < vt::ATTRIBUTE_COUNT; group++) EXPECT_TRUE(p_copy->isModified(group));
+  EXPECT_EQ(p_copy->serialize("ALL"), text);
+  EXPECT_NE(text.find("follow_path:true,path:13 -3|14 -2.5|"), std::string::npos) << text;
+}
+
+// Text that cannot be read is logged and changes nothing else. A value that
+// does not read as written is logged in one warning and read as given in the
+// table; a key given twice is logged and its first entry read.
+TEST(ObjectSerialization, BadTextIsLoggedAndReadOnlyAsFarAsItCanBe) {
+  const std::list<Vector> kept{Vector(8, 8)};
+  const struct {
+    const char* text;
+    const char* logged;
+    std::list<Vector> path;
+    const char* group;  // "": nothing else changes
+    const char* read;
+  } CASES[] = {
+      {"pos-x:3,", "Object::deserialize(): position not complete, so ignoring.", kept, "", ""},
+      {"box-corner-x:1,box-corner-y:2,box-horizontal:3,",
+       "Object::deserialize(): box not complete, so ignoring.", kept, "", ""},
+      {"altitude:5,", "Object::setAltitude(): Altitude 5 not in range [0,4].  Ignored.", kept, "",
+       ""},
+      {"altitude:-1,", "Object::setAltitude(): Altitude -1 not in range [0,4].  Ignored.", kept, "",
+       ""},
+      {"solidness:9,", "Object::setSolidness(): Solidness 9 not one of HARD, SOFT or SPECTRAL.",
+       kept, "", ""},
+      {"path:1 2|  3.5   -4 |5|6 7|,path_index:9,",
+       "Object::deserialize(): malformed node 5.\n",
+       {Vector(1, 2), Vector(3.5f, -4)},
+       "",
+       ""},
+      {"path:1 2 3|,", "Object::deserialize(): malformed node 1 2 3.\n", {}, "", ""},
+      {",,,:::,,|||,shape:2,size:2,color:1,altitude:,no_soft,:,", "", kept, "", ""},
+      {"pos-x:2,pos-y:3,", "", kept, "POSITION,", "pos-x:2,pos-y:3,"},
+      {"pos-x:abc,pos-y:3,",
+       "Object::deserialize(): Warning! 'pos-x:abc' is not a number; read as 0.\n", kept,
+       "POSITION,", "pos-x:0,pos-y:3,"},
+      {"pos-x:1e40,pos-y:3,",
+       "Object::deserialize(): Warning! 'pos-x:1e40' is beyond the range of a number; clamped to "
+       "that range.\n",
+       kept, "POSITION,", "pos-x:3.40282e+38,pos-y:3,"},
+      {"id:70,pos-x:2,id:80,",
+       "Object::deserialize(): Warning! 'id' is given 2 times; only the first is read.\n", kept,
+       "ID,", "id:70,"},
+      {"is_visible:yes,",
+       "Object::deserialize(): Warning! 'is_visible:yes' is neither true nor false; read as "
+       "false.\n",
+       kept, "VISIBLE,", "is_visible:false,"},
+      {"sprite_index:second,",
+       "Animation::deserialize(): Warning! 'sprite_index:second' is not a number; read as 0.\n",
+       kept, "ANIMATION,", "sprite_name:,sprite_index:0,sprite_slowdown_count:0,"},
+  };
+  for (const auto& c : CASES) {
+    SCOPED_TRACE(c.text);
+    test::HeadlessEngine engine;
+    auto* p_object = new Object;
+    p_object->setPath(kept);
+    p_object->registerInterest("nuke");
+    const std::string before = p_object->serialize("ALL");
+    p_object->deserialize(c.text);
+    const std::string log = engine.logText();
+    EXPECT_NE(log.find(c.logged), std::string::npos) << log;
+    if (*c.group != '\0') {
+      EXPECT_EQ(p_object->serialize(c.group), c.read);
+      // One warning, or none for a text that reads as written.
+      EXPECT_EQ(log.find("Warning!") == std::string::npos, *c.logged == '\0') << log;
+      EXPECT_EQ(log.find("Warning!"), log.rfind("Warning!")) << log;
+      continue;
+    }
+    EXPECT_EQ(p_object->isModified(), c.path != kept);
+    EXPECT_EQ(p_object->getPath(), c.path);
+    p_object->setPath(kept);
+    EXPECT_EQ(p_object->serialize("ALL"), before);
+    EXPECT_EQ(log.find("\tNot added.\n") != std::string::npos, c.path != kept);
   }
 }
