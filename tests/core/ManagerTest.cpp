@@ -42,9 +42,8 @@ TEST(Manager, DeliversInOrderToActiveObjectsOfUpTo100TypesItAccepts) {
   // Up to 100 types; emptying slot 0 moves every later type down.
   OpenManager types;
   auto* p_object = new RecordingObject;
-  for (int i = 0; i < vt::MAX_EVENTS; i++) {
+  for (int i = 0; i < vt::MAX_EVENTS; i++)
     ASSERT_EQ(types.registerInterest(p_object, "type" + std::to_string(i)), 0);
-  }
   EXPECT_EQ(types.registerInterest(p_object, "one too many"), -1);
   ASSERT_EQ(types.unregisterInterest(p_object, "type0"), 0);
   EXPECT_EQ(types.unregisterInterest(p_object, "type0"), -1);

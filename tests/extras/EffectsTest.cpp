@@ -179,7 +179,6 @@ TEST(Particles, PresetsSprayTheirCountAndLiveTheirLives) {
   config.setWindowBackgroundColor(background);
 }
 
-// What each preset looks like a few steps in.
 TEST(Particles, EachPresetLooksAsItsGoldenFrame) {
   for (int preset = vt::PARTICLE_BURST; preset <= vt::PARTICLE_SNOW; preset++) {
     vt::Harness harness;

@@ -62,17 +62,6 @@ void makeWorld(float stride) {
   (new vt::Object)->setPosition(Vector(30, 10));  // a wall
 }
 
-// A session of 90 steps: a click, held D, a path search, and nothing.
-void playSession(vt::Harness& harness) {
-  harness.clickMouse(vt::Mouse::LEFT, Vector(12.5f, 7.25f));
-  harness.step(3);
-  harness.holdKey(vt::Keyboard::D);
-  harness.step(5);
-  harness.releaseKey(vt::Keyboard::D);
-  harness.tapKey(vt::Keyboard::P);
-  harness.step(82);
-}
-
 Vector walkerPosition() {
   return vt::WorldManager::getInstance().objectsOfType("Walker")[0]->getPosition();
 }
@@ -90,7 +79,14 @@ class RecorderTest : public testing::Test {
     EXPECT_EQ(harness.startUp(), 0);
     makeWorld(1);
     EXPECT_EQ(harness.record(recording), 0);
-    playSession(harness);
+    // 90 steps: a click, held D, a path search, and nothing.
+    harness.clickMouse(vt::Mouse::LEFT, Vector(12.5f, 7.25f));
+    harness.step(3);
+    harness.holdKey(vt::Keyboard::D);
+    harness.step(5);
+    harness.releaseKey(vt::Keyboard::D);
+    harness.tapKey(vt::Keyboard::P);
+    harness.step(82);
     const Vector end = walkerPosition();
     EXPECT_EQ(harness.finishReplay(), 0);
     return end;

@@ -239,27 +239,19 @@ const int COLUMNS = 80;
 const int ROWS = 24;
 const char* const SHIP = "<-/\\->";
 
-// A cell of the terminal's screen: its character and the red, green and
-// blue of its foreground ("" for the terminal's default).
-struct ShownCell {
-  char ch = ' ';
-  std::string color;
-};
-
-using Screen = std::vector<ShownCell>;
-
-// Reads capture-pane -e: characters and the 24-bit foreground colours set
-// before them.
-Screen readScreen(const std::string& captured) {
-  Screen screen(COLUMNS * ROWS);
+// The screen read with capture-pane -e shows the frame: every character, and
+// every visible one in the 24-bit foreground colour set before it.
+bool showsFrame(const std::string& captured, const vt::CellFrame& frame) {
+  // Each cell's character, then its colour's red, green and blue ("" for the
+  // terminal's default).
+  std::vector<std::string> screen(COLUMNS * ROWS, " ");
   std::istringstream rows(captured);
-  std::string line;
-  std::string color;
+  std::string line, color;
   for (int row = 0; row < ROWS && std::getline(rows, line); row++) {
     int column = 0;
     for (std::size_t i = 0; i < line.size(); i++) {
       if (line[i] != '\x1b') {
-        if (column < COLUMNS) screen[row * COLUMNS + column++] = {line[i], color};
+        if (column < COLUMNS) screen[row * COLUMNS + column++] = line[i] + color;
         continue;
       }
       const std::size_t end = line.find('m', i);
@@ -267,32 +259,19 @@ Screen readScreen(const std::string& captured) {
       for (std::string code; std::getline(parameters, code, ';');) {
         if (code == "0" || code == "39") color.clear();
         if (code != "38" && code != "48") continue;
-        std::string kind, r, g, b;
-        std::getline(parameters, kind, ';');
-        std::getline(parameters, r, ';');
-        std::getline(parameters, g, ';');
-        std::getline(parameters, b, ';');
-        if (code == "38") color = r + "," + g + "," + b;
+        std::string rgb[4];  // the colour's kind, then red, green and blue
+        for (std::string& part : rgb) std::getline(parameters, part, ';');
+        if (code == "38") color = rgb[1] + "," + rgb[2] + "," + rgb[3];
       }
       i = end;
     }
   }
-  return screen;
-}
-
-// The terminal shows the frame: every character, and every visible one in
-// its colour.
-bool showsFrame(const Screen& screen, const vt::CellFrame& frame) {
-  for (int row = 0; row < ROWS; row++) {
-    for (int column = 0; column < COLUMNS; column++) {
-      const vt::CellFrame::Cell cell = frame.at(column, row);
-      const ShownCell& shown = screen[row * COLUMNS + column];
-      const char ch = cell.drawn ? cell.ch : ' ';
-      if (shown.ch != ch) return false;
-      if (ch != ' ' && shown.color != std::to_string(cell.r) + "," + std::to_string(cell.g) + "," +
-                                          std::to_string(cell.b)) {
-        return false;
-      }
+  for (int i = 0; i < COLUMNS * ROWS; i++) {
+    const vt::CellFrame::Cell cell = frame.at(i % COLUMNS, i / COLUMNS);
+    const std::string rgb =
+        std::to_string(cell.r) + "," + std::to_string(cell.g) + "," + std::to_string(cell.b);
+    if (!cell.drawn || cell.ch == ' ' ? screen[i][0] != ' ' : screen[i] != cell.ch + rgb) {
+      return false;
     }
   }
   return true;
@@ -305,16 +284,6 @@ int shipColumn(const test::TmuxSession& session) {
     if (found != std::string::npos) return static_cast<int>(found);
   }
   return -1;
-}
-
-int recordedSteps(const std::string& recording) {
-  const std::string text = test::readFile(recording);
-  const std::size_t end = text.rfind("end ");
-  return end == std::string::npos ? 0 : std::stoi(text.substr(end + 4));
-}
-
-void pauseMilliseconds(int milliseconds) {
-  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
 // The real game in tmux, paused and resumed at the title, played with the
@@ -337,32 +306,32 @@ TEST(TerminalPlay, TheShooterIsPlayedInATerminalShowingTheFramesTheEngineDrew) {
                             COLUMNS, ROWS);
   ASSERT_TRUE(session.isRunning());
   std::vector<std::string> captured;
-  ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.shows("[ P ]  PLAY"); }, 30));
+  ASSERT_TRUE(test::waitFor([&] { return session.shows("[ P ]  PLAY"); }, 30));
   captured.push_back(session.screenWithColours());
   // F10 pauses until another key comes.
   session.sendKeys("F10");
-  pauseMilliseconds(1500);
+  std::this_thread::sleep_for(std::chrono::milliseconds(1500));
   session.sendKeys("x");
   session.sendKeys("p");
-  ASSERT_TRUE(test::TmuxSession::waitFor([&] { return shipColumn(session) >= 0; }, 10));
+  ASSERT_TRUE(test::waitFor([&] { return shipColumn(session) >= 0; }, 10));
   const int ship_at_start = shipColumn(session);
   // The mouse moves to a cell, and its left button is held there a moment.
   session.sendKeys("\x1b[<35;41;6M", true);
   session.sendKeys("\x1b[<0;41;6M", true);
-  pauseMilliseconds(300);
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
   session.sendKeys("\x1b[<0;41;6m", true);
   // A held key, as a terminal without key releases sends it: again and
   // again while it is down, here until the ship has moved.
-  EXPECT_TRUE(test::TmuxSession::waitFor(
+  EXPECT_TRUE(test::waitFor(
       [&] { return session.sendKeys("d") && shipColumn(session) > ship_at_start + 5; }, 30))
       << "the ship stayed at " << shipColumn(session);
   captured.push_back(session.screenWithColours());
   // Q in play takes the ship away, and Ctrl-C ends the game.
   session.sendKeys("q");
-  EXPECT_TRUE(test::TmuxSession::waitFor([&] { return shipColumn(session) < 0; }, 10));
+  EXPECT_TRUE(test::waitFor([&] { return shipColumn(session) < 0; }, 10));
   captured.push_back(session.screenWithColours());
   session.sendKeys("C-c");
-  ASSERT_TRUE(test::TmuxSession::waitFor([&] { return session.exitStatus() >= 0; }, 30));
+  ASSERT_TRUE(test::waitFor([&] { return session.exitStatus() >= 0; }, 30));
   EXPECT_EQ(session.exitStatus(), 0);
   EXPECT_EQ(session.paneFormat("#{alternate_on}#{cursor_flag}"), "01");
   const std::string logged = test::readFile(folder + "/vantor.log");
@@ -384,12 +353,13 @@ TEST(TerminalPlay, TheShooterIsPlayedInATerminalShowingTheFramesTheEngineDrew) {
   ASSERT_EQ(harness.replay(recording), 0) << harness.logText();
   std::vector<int> shown_at(captured.size(), -1);
   bool fired = false;
-  for (int step = 1; step <= recordedSteps(recording); step++) {
+  const int steps = std::stoi(recorded.substr(recorded.rfind("end ") + 4));
+  for (int step = 1; step <= steps; step++) {
     harness.atStep(step, [&, step] {
       fired = fired || !vt::WorldManager::getInstance().objectsOfType("Bullet").isEmpty();
       for (std::size_t i = 0; i < captured.size(); i++) {
         if (shown_at[i] < 0 &&
-            showsFrame(readScreen(captured[i]), vt::DisplayManager::getInstance().getFrame())) {
+            showsFrame(captured[i], vt::DisplayManager::getInstance().getFrame())) {
           shown_at[i] = step;
         }
       }

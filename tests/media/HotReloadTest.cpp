@@ -29,27 +29,6 @@ std::string shipCells(const vt::Harness& harness) {
   return line.substr(9, 3);
 }
 
-// A ship of two frames at (10, 5): after a step it shows "A" and stands on "B".
-vt::Object* loadShip(const std::string& file) {
-  writeSprite(file, "green", {"A", "B"});
-  EXPECT_EQ(vt::ResourceManager::getInstance().loadSprite(file, "ship"), 0);
-  auto* p_ship = new vt::Object;
-  p_ship->setSprite("ship");
-  p_ship->setPosition(vt::Vector(10, 5));
-  return p_ship;
-}
-
-// Saved as editors save, a new file renamed over the old one: one frame
-// three cells wide.
-void editShip(const std::string& file) {
-  writeSprite(file + ".new", "red", {"<o>"});
-  EXPECT_EQ(std::rename((file + ".new").c_str(), file.c_str()), 0);
-}
-
-std::string spriteFile(const vt::Harness& harness) {
-  return std::filesystem::path(harness.getLogFile()).parent_path() / "ship.txt";
-}
-
 }  // namespace
 
 // Off unless asked for. Asked for, the new frame shows at the next step (not
@@ -62,14 +41,22 @@ TEST(HotReload, AChangedSpriteShowsAtTheNextStepAndABrokenOneKeepsTheOld) {
     asked ? setenv("VANTOR_HOT_RELOAD", "1", 1) : unsetenv("VANTOR_HOT_RELOAD");
     vt::Harness harness;
     ASSERT_EQ(harness.startUp(), 0);
-    const std::string file = spriteFile(harness);
-    const vt::Object* p_ship = loadShip(file);
+    const std::string file = std::filesystem::path(harness.getLogFile()).parent_path() / "ship.txt";
+    // A ship of two frames at (10, 5): after a step it shows "A" and stands on "B".
+    writeSprite(file, "green", {"A", "B"});
+    ASSERT_EQ(vt::ResourceManager::getInstance().loadSprite(file, "ship"), 0);
+    auto* p_ship = new vt::Object;
+    p_ship->setSprite("ship");
+    p_ship->setPosition(vt::Vector(10, 5));
     auto* p_boxed = new vt::Object;
     p_boxed->setSprite("ship");
     const vt::Box own_box(vt::Vector(-0.4f, -0.4f), 0.8f, 0.8f);
     p_boxed->setBox(own_box);
     harness.step();
-    editShip(file);
+    // Saved as editors save, a new file renamed over the old one: one frame
+    // three cells wide.
+    writeSprite(file + ".new", "red", {"<o>"});
+    EXPECT_EQ(std::rename((file + ".new").c_str(), file.c_str()), 0);
     harness.step();
     EXPECT_EQ(shipCells(harness), asked ? "<o>" : " B ");
     if (!asked) continue;

@@ -11,7 +11,6 @@
 #include "media/EventMouse.h"
 #include "media/TerminalControls.h"
 #include "media/TerminalInput.h"
-#include "support/TerminalEvents.h"
 
 namespace K = vt::Keyboard;
 using vt::TerminalEvent;
@@ -29,7 +28,15 @@ namespace {
 const std::string ESC = "\x1b";
 const std::string CSI = ESC + "[";
 
-using test::key, test::mouse, test::press;
+TerminalEvent key(int code, TerminalEvent::Phase phase = TerminalEvent::TYPED) {
+  return {TerminalEvent::KEY, code, phase};
+}
+TerminalEvent press(int code) {
+  return key(code, TerminalEvent::PRESS);
+}
+TerminalEvent mouse(int action, int button, int column, int row) {
+  return {TerminalEvent::MOUSE, -1, TerminalEvent::TYPED, action, button, column, row};
+}
 
 TerminalEvent ofType(TerminalEvent::Type type, int flags = 0) {
   return {type, -1, TerminalEvent::TYPED, -1, -1, 0, 0, flags};
@@ -114,9 +121,8 @@ TEST(TerminalInputTest, DecodesWholeAndByteByByte) {
     vt::TerminalInput bytewise;
     Events events;
     for (const char byte : test.bytes) {
-      for (const TerminalEvent& event : feed(bytewise, std::string(1, byte))) {
-        events.push_back(event);
-      }
+      const Events more = feed(bytewise, std::string(1, byte));
+      events.insert(events.end(), more.begin(), more.end());
     }
     EXPECT_EQ(events, test.expected);
   }

@@ -81,18 +81,10 @@ class VirtualTerminal {
   std::string foreground, background;
 };
 
-struct Rgb {
-  unsigned char r = 0, g = 0, b = 0;
-};
-Rgb rgbOf(vt::Color color) {
-  Rgb rgb;
-  vt::colorToRGB(color, rgb.r, rgb.g, rgb.b);
-  return rgb;
-}
-
 std::string sequenceOf(const TerminalScreen& screen, vt::Color color, bool foreground) {
-  const Rgb rgb = rgbOf(color);
-  return screen.colorSequence(rgb.r, rgb.g, rgb.b, foreground);
+  unsigned char r = 0, g = 0, b = 0;
+  vt::colorToRGB(color, r, g, b);
+  return screen.colorSequence(r, g, b, foreground);
 }
 
 // Every cell of the frame shows in the terminal: its character, in its
@@ -116,9 +108,10 @@ void expectShows(const VirtualTerminal& terminal, const TerminalScreen& screen,
 void scatter(vt::CellFrame& frame, std::mt19937& random, int count) {
   const char* const chars = "#@*.o<>=-|ABZ ";
   for (int i = 0; i < count; i++) {
-    const Rgb rgb = rgbOf(static_cast<vt::Color>(random() % 8));
+    unsigned char r = 0, g = 0, b = 0;
+    vt::colorToRGB(static_cast<vt::Color>(random() % 8), r, g, b);
     frame.put(vt::Vector(static_cast<float>(random() % 40), static_cast<float>(random() % 12)),
-              chars[random() % 14], rgb.r, rgb.g, rgb.b);
+              chars[random() % 14], r, g, b);
   }
 }
 

@@ -45,11 +45,11 @@ const WayOut WAYS_OUT[] = {
 // then whole again, each time drawn afresh.
 void expectResizesShowTheGameAfresh(const TmuxSession& session) {
   ASSERT_TRUE(session.resize(40, 10));
-  EXPECT_TRUE(TmuxSession::waitFor(
-      [&] { return session.shows("The terminal is 40x10, the game 80x24: s"); }, 10));
+  EXPECT_TRUE(
+      test::waitFor([&] { return session.shows("The terminal is 40x10, the game 80x24: s"); }, 10));
   EXPECT_TRUE(session.shows("probe step"));
   ASSERT_TRUE(session.resize(90, 26));
-  EXPECT_TRUE(TmuxSession::waitFor([&] { return !session.shows("The terminal is"); }, 10));
+  EXPECT_TRUE(test::waitFor([&] { return !session.shows("The terminal is"); }, 10));
   EXPECT_TRUE(session.shows("probe step"));
   EXPECT_EQ(session.screenText().size(), 26u);
 }
@@ -65,7 +65,7 @@ TEST(TerminalSession, EveryWayOutGivesTheTerminalItsModesBack) {
                             way.ending + " pid; status=$?; stty -g > after; (exit $status)",
                         80, 24);
     ASSERT_TRUE(session.isRunning());
-    ASSERT_TRUE(TmuxSession::waitFor([&] { return session.shows("probe step"); }, 30))
+    ASSERT_TRUE(test::waitFor([&] { return session.shows("probe step"); }, 30))
         << test::readFile(folder + "/vantor.log");
     EXPECT_EQ(session.paneFormat(MODES), MODES_OF_A_GAME);
     if (std::string(way.keys) == "q") expectResizesShowTheGameAfresh(session);
@@ -77,7 +77,7 @@ TEST(TerminalSession, EveryWayOutGivesTheTerminalItsModesBack) {
     // first interrupt.
     const bool stuck = std::string(way.ending) == "hang";
     if (stuck) {
-      ASSERT_TRUE(TmuxSession::waitFor([&] { return session.shows("probe step 28"); }, 30));
+      ASSERT_TRUE(test::waitFor([&] { return session.shows("probe step 28"); }, 30));
     }
     for (int sent = 0; *way.signal != '\0' && sent < (stuck ? 2 : 1); sent++) {
       const std::string kill =
@@ -85,7 +85,7 @@ TEST(TerminalSession, EveryWayOutGivesTheTerminalItsModesBack) {
       EXPECT_EQ(std::system(kill.c_str()), 0);
       std::this_thread::sleep_for(std::chrono::milliseconds(200));
     }
-    ASSERT_TRUE(TmuxSession::waitFor([&] { return session.exitStatus() >= 0; }, 30));
+    ASSERT_TRUE(test::waitFor([&] { return session.exitStatus() >= 0; }, 30));
     EXPECT_EQ(session.exitStatus(), way.status);
     EXPECT_EQ(session.paneFormat(MODES), MODES_OF_A_SHELL);
     EXPECT_EQ(test::readFile(folder + "/after"), test::readFile(folder + "/before"))

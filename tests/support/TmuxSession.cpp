@@ -87,10 +87,7 @@ int TmuxSession::exitStatus() const {
 }
 
 bool TmuxSession::shows(const std::string& words) const {
-  for (const std::string& row : screenText()) {
-    if (row.find(words) != std::string::npos) return true;
-  }
-  return false;
+  return run("capture-pane -p -t " + name).find(words) != std::string::npos;
 }
 
 }  // namespace test

@@ -34,9 +34,6 @@ class TmuxSession {
   std::string paneFormat(const std::string& format) const;
   // The command's exit status once it ended, else -1.
   int exitStatus() const;
-  static bool waitFor(const std::function<bool()>& condition, double seconds) {
-    return test::waitFor(condition, seconds);
-  }
   // The screen's text contains the words.
   bool shows(const std::string& words) const;
 

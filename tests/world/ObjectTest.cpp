@@ -225,48 +225,45 @@ TEST(ObjectSerialization, ACopyMadeFromTheTextMatchesTheOriginal) {
 // does not read as written is logged in one warning and read as given in the
 // table; a key given twice is logged and its first entry read.
 TEST(ObjectSerialization, BadTextIsLoggedAndReadOnlyAsFarAsItCanBe) {
-  const std::list<Vector> kept{Vector(8, 8)};
+  static const std::list<Vector> kept{Vector(8, 8)};
   const struct {
     const char* text;
     const char* logged;
-    std::list<Vector> path;
-    const char* group;  // "": nothing else changes
-    const char* read;
+    const char* group = "";  // "": nothing else changes
+    const char* read = "";
+    std::list<Vector> path = kept;
   } CASES[] = {
-      {"pos-x:3,", "Object::deserialize(): position not complete, so ignoring.", kept, "", ""},
+      {"pos-x:3,", "Object::deserialize(): position not complete, so ignoring."},
       {"box-corner-x:1,box-corner-y:2,box-horizontal:3,",
-       "Object::deserialize(): box not complete, so ignoring.", kept, "", ""},
-      {"altitude:5,", "Object::setAltitude(): Altitude 5 not in range [0,4].  Ignored.", kept, "",
-       ""},
-      {"altitude:-1,", "Object::setAltitude(): Altitude -1 not in range [0,4].  Ignored.", kept, "",
-       ""},
-      {"solidness:9,", "Object::setSolidness(): Solidness 9 not one of HARD, SOFT or SPECTRAL.",
-       kept, "", ""},
+       "Object::deserialize(): box not complete, so ignoring."},
+      {"altitude:5,", "Object::setAltitude(): Altitude 5 not in range [0,4].  Ignored."},
+      {"altitude:-1,", "Object::setAltitude(): Altitude -1 not in range [0,4].  Ignored."},
+      {"solidness:9,", "Object::setSolidness(): Solidness 9 not one of HARD, SOFT or SPECTRAL."},
       {"path:1 2|  3.5   -4 |5|6 7|,path_index:9,",
        "Object::deserialize(): malformed node 5.\n",
-       {Vector(1, 2), Vector(3.5f, -4)},
        "",
-       ""},
-      {"path:1 2 3|,", "Object::deserialize(): malformed node 1 2 3.\n", {}, "", ""},
-      {",,,:::,,|||,shape:2,size:2,color:1,altitude:,no_soft,:,", "", kept, "", ""},
-      {"pos-x:2,pos-y:3,", "", kept, "POSITION,", "pos-x:2,pos-y:3,"},
+       "",
+       {Vector(1, 2), Vector(3.5f, -4)}},
+      {"path:1 2 3|,", "Object::deserialize(): malformed node 1 2 3.\n", "", "", {}},
+      {",,,:::,,|||,shape:2,size:2,color:1,altitude:,no_soft,:,", ""},
+      {"pos-x:2,pos-y:3,", "", "POSITION,", "pos-x:2,pos-y:3,"},
       {"pos-x:abc,pos-y:3,",
-       "Object::deserialize(): Warning! 'pos-x:abc' is not a number; read as 0.\n", kept,
-       "POSITION,", "pos-x:0,pos-y:3,"},
+       "Object::deserialize(): Warning! 'pos-x:abc' is not a number; read as 0.\n", "POSITION,",
+       "pos-x:0,pos-y:3,"},
       {"pos-x:1e40,pos-y:3,",
        "Object::deserialize(): Warning! 'pos-x:1e40' is beyond the range of a number; clamped to "
        "that range.\n",
-       kept, "POSITION,", "pos-x:3.40282e+38,pos-y:3,"},
+       "POSITION,", "pos-x:3.40282e+38,pos-y:3,"},
       {"id:70,pos-x:2,id:80,",
-       "Object::deserialize(): Warning! 'id' is given 2 times; only the first is read.\n", kept,
-       "ID,", "id:70,"},
+       "Object::deserialize(): Warning! 'id' is given 2 times; only the first is read.\n", "ID,",
+       "id:70,"},
       {"is_visible:yes,",
        "Object::deserialize(): Warning! 'is_visible:yes' is neither true nor false; read as "
        "false.\n",
-       kept, "VISIBLE,", "is_visible:false,"},
+       "VISIBLE,", "is_visible:false,"},
       {"sprite_index:second,",
        "Animation::deserialize(): Warning! 'sprite_index:second' is not a number; read as 0.\n",
-       kept, "ANIMATION,", "sprite_name:,sprite_index:0,sprite_slowdown_count:0,"},
+       "ANIMATION,", "sprite_name:,sprite_index:0,sprite_slowdown_count:0,"},
   };
   for (const auto& c : CASES) {
     SCOPED_TRACE(c.text);

@@ -306,8 +306,7 @@ TEST(SnapToCell, SnappedSpritesAndLabelsAreDrawnOnWholeCellsAndKeepTheirPosition
   vt::DisplayManager& display = vt::DisplayManager::getInstance();
   ASSERT_EQ(world.startUp() + display.startUp() + resources.startUp(), 0);
   world.setView(vt::Box(Vector(0, 0), 80, 24));
-  std::ofstream(config.folder() + "/ab.txt") << "1\n2\n1\n0\nwhite\nAB\n";
-  ASSERT_EQ(resources.loadSprite(config.folder() + "/ab.txt", "ab"), 0);
+  ASSERT_EQ(resources.loadSprite(config.writeFile("ab.txt", "1\n2\n1\n0\nwhite\nAB\n"), "ab"), 0);
   const auto shown = [&] {
     display.swapBuffers();
     return vt::test::captureWindow(*display.getWindow());
