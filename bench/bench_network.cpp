@@ -19,18 +19,13 @@
 
 #include "core/Clock.h"
 #include "core/Config.h"
+#include "core/GameManager.h"
 #include "extras/EventNetwork.h"
 #include "extras/NetworkManager.h"
 #include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
 
 namespace {
-
-// What the game loop gives the network step: a fifth of the frame, in
-// microseconds.
-long long networkBudget(int frame_time) {
-  return static_cast<long long>(frame_time) * 200;
-}
 
 const int MESSAGES = 10000;
 const int MESSAGE_BYTES = 64;
@@ -74,7 +69,7 @@ FrameRun runFrames(const int& received, int frame_time) {
   while (received < MESSAGES && run.frames < FRAME_CAP) {
     const vt::Clock clock;
     const int before = received;
-    network_manager.processFrame(clock, networkBudget(frame_time));
+    network_manager.processFrame(clock, vt::GameManager::networkBudget(frame_time));
     const double step = clock.split();
     run.step_us += step;
     run.worst_step_us = std::max(run.worst_step_us, step);
@@ -91,7 +86,7 @@ FrameRun runFrames(const int& received, int frame_time) {
 void drainClosedConnection(int frame_time) {
   vt::NetworkManager& network_manager = vt::NetworkManager::getInstance();
   for (int i = 0; i < FRAME_CAP && network_manager.getNumConnections() > 0; i++) {
-    network_manager.processFrame(vt::Clock(), networkBudget(frame_time));
+    network_manager.processFrame(vt::Clock(), vt::GameManager::networkBudget(frame_time));
   }
 }
 

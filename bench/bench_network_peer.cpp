@@ -21,18 +21,13 @@
 
 #include "core/Clock.h"
 #include "core/Config.h"
+#include "core/GameManager.h"
 #include "extras/EventNetwork.h"
 #include "extras/NetworkManager.h"
 #include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
 
 namespace {
-
-// What the game loop gives the network step: a fifth of the frame, in
-// microseconds.
-long long networkBudget(int frame_time) {
-  return static_cast<long long>(frame_time) * 200;
-}
 
 // Gives up on a run that stops making progress for this long.
 const auto STALL_LIMIT = std::chrono::seconds(5);
@@ -97,7 +92,7 @@ int runFrames(const Reading& reading, int frame_time) {
   int frames = 0;
   for (int seen = 0; !reading.closed; frames++) {
     const vt::Clock clock;
-    network_manager.processFrame(clock, networkBudget(frame_time));
+    network_manager.processFrame(clock, vt::GameManager::networkBudget(frame_time));
     if (reading.delivered > seen) last_progress = std::chrono::steady_clock::now();
     seen = reading.delivered;
     if (std::chrono::steady_clock::now() - last_progress > STALL_LIMIT) break;

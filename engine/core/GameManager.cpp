@@ -114,7 +114,7 @@ void GameManager::takeInput(const Clock& clock, FrameStats& stats) const {
   InputManager::getInstance().getInput();
   stats.endPart(INPUT_PART);
   if (Config::getInstance().getNetworking()) {
-    NetworkManager::getInstance().processFrame(clock, networkBudget());
+    NetworkManager::getInstance().processFrame(clock, networkBudget(frame_time));
   }
   stats.endPart(NETWORK_PART);
 }
@@ -148,8 +148,8 @@ int GameManager::pathBudget(const Clock& clock, std::int64_t adjust_time) const 
   return static_cast<int>(PATH_SHARE * static_cast<float>(remaining) / 1000.0f);
 }
 
-long long GameManager::networkBudget() const {
-  return static_cast<long long>(NETWORK_SHARE * static_cast<float>(frame_time) * 1000.0f);
+long long GameManager::networkBudget(int frame_time_ms) {
+  return static_cast<long long>(NETWORK_SHARE * static_cast<float>(frame_time_ms) * 1000.0f);
 }
 
 void GameManager::setStepCount(int new_step_count) {

@@ -46,6 +46,10 @@ class GameManager : public Manager {
   // "vt-custom-network" goes to the world manager, unlike registering for it.
   static Manager& managerFor(const std::string& event_type, bool unregistering = false);
 
+  // What the loop gives the network step of a frame of that many
+  // milliseconds: a fifth of it, in microseconds.
+  static long long networkBudget(int frame_time_ms);
+
  private:
   GameManager();
 
@@ -65,8 +69,6 @@ class GameManager : public Manager {
   // The path searches' share of the frame: 95 % of what is left of it, in
   // whole milliseconds; negative when the frame is already late.
   int pathBudget(const class Clock& clock, std::int64_t adjust_time) const;
-  // The network's share of the frame: 20 % of it, in microseconds.
-  long long networkBudget() const;
   // Sets the step count, and the one the log stamps its lines with.
   void setStepCount(int new_step_count);
   // Sleeps away the rest of the frame and returns the new oversleep.
