@@ -169,9 +169,13 @@ void CellBatch::addGlyph(const Edges& quad, const Edges& tex, sf::Color color) {
   glyph.stamp = 0;
   quads.push_back({quad, tex, color, index});
   const std::uint64_t hash = kept_pixels ? paintHash(quad, tex, color) : 0;
-  forEachTile(quad, [&](std::size_t tile, const Edges&) {
+  forEachTile(quad, [&](std::size_t tile, const Edges& edges) {
     glyphs_in_tile[tile].push_back(index);
-    if (kept_pixels) tile_hashes[tile] = mixed(tile_hashes[tile], hash);
+    // A glyph's padding often reaches into a neighbouring tile without
+    // covering a pixel there: that tile's pixels do not depend on it.
+    if (kept_pixels && holdsPixelCentre(edges.intersection(quad))) {
+      tile_hashes[tile] = mixed(tile_hashes[tile], hash);
+    }
   });
 }
 
