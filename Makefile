@@ -39,8 +39,14 @@ test-sanitize: build-sanitize
 package: build
 	@cmake --build $(BUILD) --target package
 
+# bench_display opens a window: without DISPLAY, every benchmark runs on a
+# virtual X server with room for its largest window.
 bench: build
-	@for b in $(BUILD)/bench/*; do echo "== $$b"; $$b; done
+	@for b in $(BUILD)/bench/*; do \
+	  [ -f "$$b" ] && [ -x "$$b" ] || continue; \
+	  echo "== $$b"; \
+	  if [ -n "$$DISPLAY" ]; then $$b; else xvfb-run -a -s "-screen 0 1920x1200x24" $$b; fi; \
+	done
 
 # Each fuzz target runs FUZZ_SECONDS from its seed corpus; what it finds
 # new goes to $(FUZZ_BUILD)/corpus, a failing input to $(FUZZ_BUILD).

@@ -1,17 +1,53 @@
 // Cost of a full screen of characters (80x24 and 240x67), drawn and shown
-// once per iteration in a window on a private Xvfb, with every cell or one
-// cell in ten changing, and the memory the loop holds.
+// once per iteration in a window on the X display of DISPLAY, with every
+// cell or one cell in ten changing, and the memory the loop holds. Without
+// a display, run it on a virtual one with room for the largest window:
+//   xvfb-run -a -s "-screen 0 1920x1200x24" build/bench/bench_display
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
+#include <cstdlib>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "core/Config.h"
+#include "core/LogManager.h"
 #include "media/DisplayManager.h"
-#include "support/TestSupport.h"
 
 namespace {
+
+const char* const XVFB_COMMAND =
+    "xvfb-run -a -s \"-screen 0 1920x1200x24\" build/bench/bench_display";
+
+// The log, in a fresh temporary folder, and the settings of a window in the
+// built font; the destructor stops the log, removes the folder and puts the
+// settings back to their defaults.
+class WindowLog {
+ public:
+  WindowLog() {
+    vt::Config& config = vt::Config::getInstance();
+    config.reset();
+    config.setHeadless(false);
+    config.setFontFile(VANTOR_FONT_PATH);
+    std::string pattern = (std::filesystem::temp_directory_path() / "vantor-bench-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) return;
+    folder = pattern;
+    config.setLogFile(folder + "/vantor.log");
+    vt::LogManager::getInstance().startUp();
+  }
+  ~WindowLog() {
+    vt::LogManager::getInstance().shutDown();
+    vt::Config::getInstance().reset();
+    if (!folder.empty()) std::filesystem::remove_all(folder);
+  }
+  WindowLog(const WindowLog&) = delete;
+  WindowLog& operator=(const WindowLog&) = delete;
+
+ private:
+  std::string folder;
+};
 
 // A field of /proc/self/status in megabytes, -1 when it cannot be read.
 double statusMegabytes(const std::string& field) {
@@ -46,16 +82,21 @@ void drawScreen(vt::DisplayManager& display_manager, int frame, int stride) {
   }
 }
 
-// Starts the display in a window on the process's X server; false, with the
-// benchmark marked skipped, when either does not start.
+// Starts the display in a window on the X display of DISPLAY; false, with
+// the benchmark marked skipped, when there is none or the window does not
+// open.
 bool startDisplay(benchmark::State& state, vt::DisplayManager& display_manager) {
-  // Room for the largest window measured.
-  if (!vt::test::startProcessXvfb("1920x1200x24")) {
-    state.SkipWithError("Xvfb did not start");
+  const char* p_display = std::getenv("DISPLAY");
+  if (p_display == nullptr || *p_display == '\0') {
+    state.SkipWithError(std::string("DISPLAY is not set: run it as ").append(XVFB_COMMAND).c_str());
     return false;
   }
   if (display_manager.startUp() != 0) {
-    state.SkipWithError("the display manager did not start");
+    state.SkipWithError(std::string("the display manager did not start on DISPLAY=")
+                            .append(p_display)
+                            .append(": run it as ")
+                            .append(XVFB_COMMAND)
+                            .c_str());
     return false;
   }
   return true;
@@ -65,7 +106,7 @@ bool startDisplay(benchmark::State& state, vt::DisplayManager& display_manager) 
 // cell drawn, every one or one in ten of them changing, then the buffers
 // swapped.
 void BM_ScreenFrame(benchmark::State& state) {
-  vt::test::TestConfig config(false);
+  const WindowLog log;
   vt::Config& settings = vt::Config::getInstance();
   settings.setWindowHorizontalChars(static_cast<int>(state.range(0)));
   settings.setWindowVerticalChars(static_cast<int>(state.range(1)));
@@ -100,7 +141,7 @@ BENCHMARK(BM_ScreenFrame)
 // times as there are score displays stacked in one place (the shooter adds
 // one each game).
 void BM_StackedScoreFrame(benchmark::State& state) {
-  vt::test::TestConfig config(false);
+  const WindowLog log;
   vt::DisplayManager& display_manager = vt::DisplayManager::getInstance();
   if (!startDisplay(state, display_manager)) return;
   const int stacked = static_cast<int>(state.range(0));

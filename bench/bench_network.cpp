@@ -17,13 +17,13 @@
 #include <thread>
 #include <vector>
 
+#include "MessageReader.h"
 #include "core/Clock.h"
 #include "core/Config.h"
 #include "core/GameManager.h"
 #include "extras/EventNetwork.h"
+#include "extras/Harness.h"
 #include "extras/NetworkManager.h"
-#include "support/HeadlessEngine.h"
-#include "support/RecordingObject.h"
 
 namespace {
 
@@ -91,10 +91,14 @@ void drainClosedConnection(int frame_time) {
 }
 
 void BM_TenThousandMessages(benchmark::State& state) {
-  const test::HeadlessEngine engine;
+  // Networking on before the start: the engine starts the network manager.
   vt::Config::getInstance().setNetworking(true);
+  vt::Harness harness;
+  if (harness.startUp() != 0) {
+    state.SkipWithError("the engine did not start");
+    return;
+  }
   vt::NetworkManager& network_manager = vt::NetworkManager::getInstance();
-  network_manager.startUp();
   if (network_manager.setServer(true, "0") != 0) {
     state.SkipWithError("cannot listen");
     return;
@@ -103,20 +107,16 @@ void BM_TenThousandMessages(benchmark::State& state) {
   const int frame_time = vt::Config::getInstance().getFrameTime();
   int received = 0;
   std::vector<char> buffer(vt::MAX_MESSAGE_SIZE);
-  auto* p_reader = new test::RecordingObject;
-  p_reader->registerInterest(vt::NETWORK_EVENT);
-  p_reader->on_event = [&](const vt::Event* p_event) {
-    const auto& event = static_cast<const vt::EventNetwork&>(*p_event);
+  new MessageReader([&](const vt::EventNetwork& event) {
     if (event.getLabel() != vt::NETWORK_DATA) return;
     if (network_manager.receive(event.getSocketIndex(), buffer.data(), event.getBytes()) ==
         MESSAGE_BYTES) {
       received++;
     }
-  };
+  });
   FrameRun total;
   for (auto _ : state) {
     received = 0;
-    p_reader->received.clear();
     const int fd = connectClient(port);
     std::thread sender(sendMessages, fd);
     const FrameRun run = runFrames(received, frame_time);
@@ -141,7 +141,6 @@ void BM_TenThousandMessages(benchmark::State& state) {
   state.counters["us_per_msg"] = us_per_message;
   state.counters["msgs_per_budget"] = budget_us / us_per_message;
   if (total.frames > FRAME_TARGET) state.SkipWithError("more than 10 frames for 10,000 messages");
-  network_manager.shutDown();
 }
 
 }  // namespace

@@ -19,13 +19,13 @@
 #include <thread>
 #include <vector>
 
+#include "MessageReader.h"
 #include "core/Clock.h"
 #include "core/Config.h"
 #include "core/GameManager.h"
 #include "extras/EventNetwork.h"
+#include "extras/Harness.h"
 #include "extras/NetworkManager.h"
-#include "support/HeadlessEngine.h"
-#include "support/RecordingObject.h"
 
 namespace {
 
@@ -63,25 +63,22 @@ struct Reading {
   bool closed = false;
 };
 
-test::RecordingObject* makeReader(Reading& reading, int size, int count) {
-  auto* p_reader = new test::RecordingObject;
-  p_reader->registerInterest(vt::NETWORK_EVENT);
-  p_reader->on_event = [&reading, size, count, message = std::vector<char>(vt::MAX_MESSAGE_SIZE)](
-                           const vt::Event* p_event) mutable {
-    const auto& event = static_cast<const vt::EventNetwork&>(*p_event);
-    if (event.getLabel() == vt::NETWORK_CLOSE) {
-      reading.closed = true;
-      reading.closed_after_all = reading.delivered == count;
-    }
-    if (event.getLabel() != vt::NETWORK_DATA) return;
-    const int received = vt::NetworkManager::getInstance().receive(
-        event.getSocketIndex(), message.data(), event.getBytes());
-    std::int32_t number = -1;
-    std::memcpy(&number, message.data() + sizeof(std::int32_t), sizeof(number));
-    reading.in_order = reading.in_order && received == size && number == reading.delivered;
-    reading.delivered++;
-  };
-  return p_reader;
+MessageReader* makeReader(Reading& reading, int size, int count) {
+  return new MessageReader(
+      [&reading, size, count,
+       message = std::vector<char>(vt::MAX_MESSAGE_SIZE)](const vt::EventNetwork& event) mutable {
+        if (event.getLabel() == vt::NETWORK_CLOSE) {
+          reading.closed = true;
+          reading.closed_after_all = reading.delivered == count;
+        }
+        if (event.getLabel() != vt::NETWORK_DATA) return;
+        const int received = vt::NetworkManager::getInstance().receive(
+            event.getSocketIndex(), message.data(), event.getBytes());
+        std::int32_t number = -1;
+        std::memcpy(&number, message.data() + sizeof(std::int32_t), sizeof(number));
+        reading.in_order = reading.in_order && received == size && number == reading.delivered;
+        reading.delivered++;
+      });
 }
 
 // Frames of the network step until the peer's close is seen or nothing has
@@ -105,10 +102,14 @@ int runFrames(const Reading& reading, int frame_time) {
 void BM_FastPeer(benchmark::State& state) {
   const int size = static_cast<int>(state.range(0));
   const int count = static_cast<int>(state.range(1));
-  const test::HeadlessEngine engine;
+  // Networking on before the start: the engine starts the network manager.
   vt::Config::getInstance().setNetworking(true);
+  vt::Harness harness;
+  if (harness.startUp() != 0) {
+    state.SkipWithError("the engine did not start");
+    return;
+  }
   vt::NetworkManager& network_manager = vt::NetworkManager::getInstance();
-  network_manager.startUp();
   if (network_manager.setServer(true, "0") != 0) {
     state.SkipWithError("cannot listen");
     return;
@@ -120,7 +121,7 @@ void BM_FastPeer(benchmark::State& state) {
   int frames = 0;
   for (auto _ : state) {
     Reading reading;
-    test::RecordingObject* p_reader = makeReader(reading, size, count);
+    MessageReader* p_reader = makeReader(reading, size, count);
     const pid_t child = fork();
     if (child == 0) sendMessages(port, size, count);
     const auto start = std::chrono::steady_clock::now();
@@ -148,7 +149,6 @@ void BM_FastPeer(benchmark::State& state) {
   state.counters["frames"] = frames / runs;
   state.counters["msgs_per_frame"] = runs * count / frames;
   state.counters["all_in_order"] = all_in_order ? 1 : 0;
-  network_manager.shutDown();
 }
 
 }  // namespace

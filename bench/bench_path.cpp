@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "core/Clock.h"
-#include "support/HeadlessEngine.h"
+#include "extras/Harness.h"
 #include "world/EventPath.h"
 #include "world/PathFind.h"
 #include "world/PathManager.h"
@@ -63,15 +63,25 @@ void searchRepeatedly(benchmark::State& state, vt::Vector start, vt::Vector goal
   state.counters["waypoints"] = static_cast<double>(waypoints);
 }
 
+// The engine started headless; false, with the benchmark marked skipped,
+// when it does not start.
+bool startEngine(benchmark::State& state, vt::Harness& harness) {
+  if (harness.startUp() == 0) return true;
+  state.SkipWithError("the engine did not start");
+  return false;
+}
+
 void BM_PathAcrossScreen(benchmark::State& state) {
-  test::HeadlessEngine engine;
+  vt::Harness harness;
+  if (!startEngine(state, harness)) return;
   vt::WorldManager::getInstance().setBoundary(vt::Box(vt::Vector(), 80, 24));
   buildSerpentine();
   searchRepeatedly(state, vt::Vector(0, 12), vt::Vector(79, 12));
 }
 
 void BM_PathAcrossLargeWorld(benchmark::State& state) {
-  test::HeadlessEngine engine;
+  vt::Harness harness;
+  if (!startEngine(state, harness)) return;
   vt::WorldManager::getInstance().setBoundary(vt::Box(vt::Vector(), 256, 256));
   buildScattered(256, 2000);
   searchRepeatedly(state, vt::Vector(0, 0), vt::Vector(255, 255));
@@ -103,9 +113,9 @@ void BM_PathCyclesInHugeWorld(benchmark::State& state) {
   const auto side = static_cast<float>(state.range(0));
   const bool walled = state.range(1) != 0;
   const int budget_ms = 5;
-  test::HeadlessEngine engine;
+  vt::Harness harness;
+  if (!startEngine(state, harness)) return;
   vt::PathManager& path_manager = vt::PathManager::getInstance();
-  path_manager.startUp();
   vt::WorldManager::getInstance().setBoundary(vt::Box(vt::Vector(), side, side));
   for (int x = 0; x < 200; x++) makeWall(x, 100);
   if (walled) makeWall(200, 100);
@@ -137,7 +147,6 @@ void BM_PathCyclesInHugeWorld(benchmark::State& state) {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   state.counters["peak_MB"] = static_cast<double>(usage.ru_maxrss) / 1024;
-  path_manager.shutDown();
 }
 
 }  // namespace

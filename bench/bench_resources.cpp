@@ -7,15 +7,53 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <SFML/Audio/OutputSoundFile.hpp>
 #include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "core/Match.h"
+#include "extras/Harness.h"
 #include "media/ResourceManager.h"
-#include "support/HeadlessEngine.h"
 
 namespace {
+
+// The engine started headless, and a folder for the files a benchmark loads.
+class Engine {
+ public:
+  explicit Engine(benchmark::State& state) {
+    if (harness.startUp() != 0) state.SkipWithError("the engine did not start");
+  }
+  bool isStarted() const { return harness.isStarted(); }
+  // Writes the bytes as a file of the log's folder; returns its path.
+  std::string writeFile(const std::string& name, const std::string& bytes) const {
+    const std::string path = (folder() / name).string();
+    std::ofstream(path, std::ios::binary) << bytes;
+    return path;
+  }
+  // Writes a 16-bit mono 8 kHz WAV of a tone, count samples long; its path.
+  std::string writeWav(const std::string& name, int count) const {
+    std::vector<sf::Int16> samples(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; i++) {
+      samples[static_cast<std::size_t>(i)] =
+          static_cast<sf::Int16>(std::lround(8000 * std::sin(i * 0.3)));
+    }
+    const std::string path = (folder() / name).string();
+    sf::OutputSoundFile file;
+    if (file.openFromFile(path, 8000, 1)) file.write(samples.data(), samples.size());
+    return path;
+  }
+
+ private:
+  std::filesystem::path folder() const {
+    return std::filesystem::path(harness.getLogFile()).parent_path();
+  }
+  vt::Harness harness;
+};
 
 // The text of a sprite file of that many frames of width x height.
 std::string spriteText(int frames, int width, int height, bool sectioned) {
@@ -40,7 +78,8 @@ std::string spriteText(int frames, int width, int height, bool sectioned) {
 }
 
 void loadLargeSprite(benchmark::State& state, bool sectioned) {
-  test::HeadlessEngine engine(test::HeadlessEngine::WORLD_AND_RESOURCES);
+  const Engine engine(state);
+  if (!engine.isStarted()) return;
   vt::ResourceManager& resource_manager = vt::ResourceManager::getInstance();
   const std::string file = engine.writeFile("large.txt", spriteText(100, 80, 24, sectioned));
   for (auto _ : state) {
@@ -59,7 +98,8 @@ void BM_LoadSectionedSprite100x80x24(benchmark::State& state) {
 // Ten sprites of the game's sizes, six one-second sounds and six
 // thirty-second musics, loaded into a freshly started manager.
 void BM_LoadResourceTable(benchmark::State& state) {
-  test::HeadlessEngine engine(test::HeadlessEngine::WORLD_AND_RESOURCES);
+  const Engine engine(state);
+  if (!engine.isStarted()) return;
   vt::ResourceManager& resource_manager = vt::ResourceManager::getInstance();
   const int sizes[][3] = {{2, 40, 4}, {2, 33, 9},  {2, 12, 3},  {2, 6, 3},    {2, 1, 1},
                           {1, 1, 1},  {10, 13, 5}, {2, 64, 19}, {38, 56, 15}, {36, 64, 17}};
@@ -71,8 +111,8 @@ void BM_LoadResourceTable(benchmark::State& state) {
   std::string sounds[6];
   std::string musics[6];
   for (int i = 0; i < 6; i++) {
-    sounds[i] = engine.writeFile("sound" + std::to_string(i) + ".wav", test::wavBytes(44100));
-    musics[i] = engine.writeFile("music" + std::to_string(i) + ".wav", test::wavBytes(44100 * 30));
+    sounds[i] = engine.writeWav("sound" + std::to_string(i) + ".wav", 44100);
+    musics[i] = engine.writeWav("music" + std::to_string(i) + ".wav", 44100 * 30);
   }
   for (auto _ : state) {
     int failures = 0;
@@ -152,7 +192,8 @@ std::string hostileSprite(int megabytes, bool sectioned) {
 }
 
 void BM_HostileSprite(benchmark::State& state) {
-  test::HeadlessEngine engine(test::HeadlessEngine::WORLD_AND_RESOURCES);
+  const Engine engine(state);
+  if (!engine.isStarted()) return;
   const std::string file = engine.writeFile(
       "hostile.txt", hostileSprite(static_cast<int>(state.range(0)), state.range(1) != 0));
   for (auto _ : state) {

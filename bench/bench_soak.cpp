@@ -11,13 +11,11 @@
 #include "Setup.h"
 #include "core/EventStep.h"
 #include "core/GameManager.h"
-#include "core/LogManager.h"
+#include "extras/Harness.h"
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/EventMouse.h"
-#include "media/ResourceManager.h"
 #include "media/ViewObject.h"
-#include "support/HeadlessEngine.h"
 #include "world/EventCollision.h"
 #include "world/WorldManager.h"
 
@@ -107,11 +105,16 @@ class Player {
 };
 
 void BM_HeadlessSession(benchmark::State& state) {
-  test::HeadlessEngine engine;
+  // Started before entering the game's folder: the engine's default
+  // settings, not the game's configuration file.
+  vt::Harness harness;
+  if (harness.startUp() != 0) {
+    state.SkipWithError("the engine did not start");
+    return;
+  }
   if (chdir(VANTOR_GAME_DIR) != 0) state.SkipWithError("no game folder");
-  // Headless, the display draws nothing and says nothing.
-  vt::DisplayManager::getInstance().startUp();
-  vt::ResourceManager::getInstance().startUp();
+  // Headless and not capturing, the display draws nothing and says nothing.
+  vt::DisplayManager::getInstance().setCapture(false);
   loadResources();
   const vt::Box screen(vt::Vector(0, 0), 80, 24);
   world().setBoundary(screen);
@@ -143,10 +146,7 @@ void BM_HeadlessSession(benchmark::State& state) {
     const int before = at_second_title.count(type) > 0 ? at_second_title.at(type) : 0;
     if (count != before) state.counters["more_" + type] = count - before;
   }
-  state.counters["log_MB"] = static_cast<double>(engine.logText().size()) / (1 << 20);
-  world().shutDown();
-  vt::ResourceManager::getInstance().shutDown();
-  vt::DisplayManager::getInstance().shutDown();
+  state.counters["log_MB"] = static_cast<double>(harness.logText().size()) / (1 << 20);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "support/HeadlessEngine.h"
+#include "extras/Harness.h"
 #include "world/Object.h"
 #include "world/WorldManager.h"
 
@@ -32,7 +32,11 @@ class Drifter : public vt::Object {
 };
 
 void runWorld(benchmark::State& state, vt::Solidness solidness) {
-  test::HeadlessEngine engine;
+  vt::Harness harness;
+  if (harness.startUp() != 0) {
+    state.SkipWithError("the engine did not start");
+    return;
+  }
   const auto count = static_cast<int>(state.range(0));
   // About one object per 16 cells keeps collisions realistic.
   const float world_size = std::sqrt(static_cast<float>(count) * 16);
