@@ -2,7 +2,6 @@
 
 #include <SFML/Graphics.hpp>
 #include <algorithm>
-#include <fstream>
 #include <random>
 #include <set>
 #include <tuple>
@@ -124,10 +123,11 @@ TEST_F(DrawingWindowTest, StringsFramesSpritesAndViewObjectsLandOnTheirCells) {
   expectShownAs(cells(8, 9, "a.b", vt::RED), "frame without transparency");
   // Objects show their sprite's frame in its colour, transparent cells left out.
   ASSERT_EQ(vt::ResourceManager::getInstance().startUp(), 0);
-  std::ofstream(config.folder() + "/sprite.txt")
-      << "<HEADER>\nframes 1\nwidth 3\nheight 2\ncolor green\ntransparency #\n</HEADER>\n"
-         "<BODY>\n(o)\n#_#\nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n";
-  ASSERT_EQ(vt::ResourceManager::getInstance().loadSprite(config.folder() + "/sprite.txt", "s"), 0);
+  const std::string sprite = config.writeFile(
+      "sprite.txt",
+      "<HEADER>\nframes 1\nwidth 3\nheight 2\ncolor green\ntransparency #\n</HEADER>\n"
+      "<BODY>\n(o)\n#_#\nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n");
+  ASSERT_EQ(vt::ResourceManager::getInstance().loadSprite(sprite, "s"), 0);
   auto* p_object = new vt::Object;
   EXPECT_EQ(p_object->setSprite("s"), 0);
   p_object->setPosition(Vector(30, 10));
@@ -186,15 +186,13 @@ TEST_F(DrawingWindowTest, LinesShapesAndBackgroundsLayerInCallOrder) {
   shape.setType(vt::SQUARE);
   shape.draw(Vector(10, 10));
   shape.setType(vt::CIRCLE);
-  shape.setType(-2);
   shape.setSize(12);
   shape.setColor(vt::CUSTOM);
   shape.setRGB(10, 200, 30);
   display.swapBuffers();
-  shape.draw(Vector(10, 10));
-  EXPECT_EQ(inkBounds(showAndCapture()), sf::IntRect(110, 319, 24, 24));
-  for (const auto& [type, bounds] : {std::pair(vt::SQUARE, sf::IntRect(130, 317, 8, 9)),
-                                     std::pair(vt::TRIANGLE, sf::IntRect(117, 318, 9, 10))}) {
+  for (const auto& [type, bounds] : {std::pair(-2, sf::IntRect(110, 319, 24, 24)),
+                                     {vt::SQUARE, sf::IntRect(130, 317, 8, 9)},
+                                     {vt::TRIANGLE, sf::IntRect(117, 318, 9, 10)}}) {
     shape.setType(type);
     shape.draw(Vector(10, 10));
     EXPECT_EQ(inkBounds(showAndCapture()), bounds) << type;
@@ -227,9 +225,8 @@ TEST_F(DrawingWindowTest, AFrameDrawnOverEarlierOnesLooksAsIfDrawnAlone) {
     std::mt19937 cells(seed);
     for (int cell = 0; cell < 80 * 24; cell++) {
       if (cells() % 3 == 0) continue;
-      const float x = static_cast<float>(cell % 80) + (fractional ? 0.5f : 0.0f);
       const char ch = static_cast<char>('!' + cells() % 94);
-      display.drawCh(Vector(x, static_cast<float>(cell / 80)), ch,
+      display.drawCh(Vector(cell % 80 + (fractional ? 0.5f : 0.0f), cell / 80), ch,
                      static_cast<vt::Color>(vt::RED + cells() % 7));
     }
     // A heads-up line drawn over itself, as a stack of score displays is.
@@ -237,27 +234,20 @@ TEST_F(DrawingWindowTest, AFrameDrawnOverEarlierOnesLooksAsIfDrawnAlone) {
       display.drawString(Vector(40, 0), "Points " + std::to_string(seed % 1000 + i),
                          vt::CENTER_JUSTIFIED, vt::YELLOW);
     }
-    for (int i = 0; i < 40; i++) {
-      display.drawCh(Vector(static_cast<float>(random() % 80), static_cast<float>(random() % 24)),
-                     '@', vt::GREEN);
-    }
-  };
-  struct Step {
-    unsigned int seed;
-    bool fractional;
-    bool line;
-    vt::Color background;
+    for (int i = 0; i < 40; i++)
+      display.drawCh(Vector(random() % 80, random() % 24), '@', vt::GREEN);
   };
   // Frames alike but for a few cells, whole new frames, frames at half-cell
-  // positions, a line among the cells and a new background colour.
-  const std::vector<Step> steps = {{1, false, false, vt::BLACK}, {1, false, false, vt::BLACK},
-                                   {2, false, false, vt::BLACK}, {2, true, false, vt::BLACK},
-                                   {3, false, true, vt::BLACK},  {3, false, false, vt::BLACK},
-                                   {3, false, false, vt::BLUE},  {4, false, false, vt::BLUE}};
-  for (const Step& step : steps) {
-    display.setBackgroundColor(step.background);
-    drawScreen(step.seed, step.fractional);
-    if (step.line) display.drawLine(Vector(0, 12.5f), Vector(79, 12.5f), vt::RED);
+  // positions, a line among the cells and a new background colour: seed,
+  // half cells, line and background of each.
+  const std::tuple<unsigned int, bool, bool, vt::Color> steps[] = {
+      {1, false, false, vt::BLACK}, {1, false, false, vt::BLACK}, {2, false, false, vt::BLACK},
+      {2, true, false, vt::BLACK},  {3, false, true, vt::BLACK},  {3, false, false, vt::BLACK},
+      {3, false, false, vt::BLUE},  {4, false, false, vt::BLUE}};
+  for (const auto& [seed, fractional, line, background] : steps) {
+    display.setBackgroundColor(background);
+    drawScreen(seed, fractional);
+    if (line) display.drawLine(Vector(0, 12.5f), Vector(79, 12.5f), vt::RED);
     display.swapBuffers();
   }
   const std::mt19937 last_random = random;

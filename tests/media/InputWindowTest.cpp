@@ -1,5 +1,3 @@
-// The key table, real keys and mouse (by xdotool) on a window, a round per
-// step, and the window's close request ending the game loop.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -156,7 +154,6 @@ TEST(InputWindow, KeysAndMouseArriveStepByStep) {
       {"mouseup 3 mouseup 1 mousedown 2",
        {at(vt::CLICKED, vt::Mouse::MIDDLE), at(vt::PRESSED, vt::Mouse::MIDDLE)}},
       {"mouseup 2 " + on_window + "640 400", {mouse(vt::MOVED, no_button, 50, 12.5f)}}};
-  // Each round of input, and what the recorder received in it.
   for (const auto& [input, events] : rounds) {
     ASSERT_EQ(input.empty() ? 0 : xdotool(input), 0);
     p_recorder->seen.clear();

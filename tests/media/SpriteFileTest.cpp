@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -25,12 +26,9 @@ std::string robust(const Lines& header, const Lines& body, const Lines& footer =
   return section("HEADER", header) + section("BODY", body) + section("FOOTER", footer);
 }
 
-std::string replaced(const std::string& text, char from, const std::string& to) {
-  std::string result;
-  for (const char ch : text) result += ch == from ? to : std::string(1, ch);
-  return result;
+std::string crlf(const std::string& text) {
+  return std::regex_replace(text, std::regex("\n"), "\r\n");
 }
-const auto crlf = [](const std::string& text) { return replaced(text, '\n', "\r\n"); };
 
 // Size, slowdown, colour, transparency ("-" for none) and frames of a sprite.
 std::string describe(const vt::Sprite& sprite) {
@@ -88,7 +86,8 @@ const std::pair<std::string, Lines> REFUSED[] = {
     {SIMPLE_HEAD + "abc\ndef\nghi\njkl\nmno\n",
      {"RM::loadSimpleSprite(): Error line 10!", "\tExtra file data: 'mno'"}},
     // A claim of far more frames than the file holds costs only its rows.
-    {"2000000000\n1\n1\n0\nred\n" + replaced(std::string(200000, 'x'), 'x', "x\n"),
+    {"2000000000\n1\n1\n0\nred\n" +
+         std::regex_replace(std::string(200000, 'x'), std::regex("x"), "x\n"),
      {EOF_LINE, SIMPLE_EOF, "\tReading frame 200001 of 2000000000, row 1 of 1."}},
     {"1\n4097\n1\n0\nred\n" + std::string(4097, 'y'),
      {"getLine(): Error! Line longer than 4096 characters; reading stops there.",

@@ -1,10 +1,9 @@
-// Terminal bytes to events, each table entry fed whole and byte by byte, and
-// the events to the keys and buttons held from step to step.
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <ostream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "media/EventKeyboard.h"
@@ -31,9 +30,9 @@ const std::string CSI = ESC + "[";
 TerminalEvent key(int code, TerminalEvent::Phase phase = TerminalEvent::TYPED) {
   return {TerminalEvent::KEY, code, phase};
 }
-TerminalEvent press(int code) {
-  return key(code, TerminalEvent::PRESS);
-}
+const auto press = [](int code) { return key(code, TerminalEvent::PRESS); };
+const auto repeat = [](int code) { return key(code, TerminalEvent::REPEAT); };
+const auto release = [](int code) { return key(code, TerminalEvent::RELEASE); };
 TerminalEvent mouse(int action, int button, int column, int row) {
   return {TerminalEvent::MOUSE, -1, TerminalEvent::TYPED, action, button, column, row};
 }
@@ -47,12 +46,8 @@ Events feed(vt::TerminalInput& input, const std::string& bytes) {
   return input.feed(bytes.data(), bytes.size());
 }
 
-struct Case {
-  std::string bytes;
-  Events expected;
-};
-
-const Case CASES[] = {
+// Bytes, and the events they decode to.
+const std::pair<std::string, Events> CASES[] = {
     // Plain bytes.
     {"aZ0 9\r\n\t\x7f\b",
      {key(K::A), key(K::Z), key(K::NUM0), key(K::SPACE), key(K::NUM9), key(K::RETURN),
@@ -77,17 +72,15 @@ const Case CASES[] = {
       key(K::F12)}},
     // The keyboard protocol.
     {CSI + "97u" + CSI + "97;1:2u" + CSI + "97;1:3u" + CSI + "97:65;2;65u",
-     {press(K::A), key(K::A, TerminalEvent::REPEAT), key(K::A, TerminalEvent::RELEASE),
-      press(K::A)}},
+     {press(K::A), repeat(K::A), release(K::A), press(K::A)}},
     {CSI + "13u" + CSI + "9u" + CSI + "127u" + CSI + "27u" + CSI + "32u" + CSI + "48u" + CSI +
          "59u",
      {press(K::RETURN), press(K::TAB), press(K::BACKSPACE), press(K::ESCAPE), press(K::SPACE),
       press(K::NUM0), press(K::SEMICOLON)}},
     {CSI + "57441;2u" + CSI + "57442;5:3u" + CSI + "57447;2:2u" + CSI + "57448;5u",
-     {press(K::LEFTSHIFT), key(K::LEFTCONTROL, TerminalEvent::RELEASE),
-      key(K::RIGHTSHIFT, TerminalEvent::REPEAT), press(K::RIGHTCONTROL)}},
+     {press(K::LEFTSHIFT), release(K::LEFTCONTROL), repeat(K::RIGHTSHIFT), press(K::RIGHTCONTROL)}},
     {CSI + "1;1:3A" + CSI + "1;5:1P" + CSI + "15;1:2~" + CSI + "1;1:9B",
-     {key(K::UPARROW, TerminalEvent::RELEASE), press(K::F1), key(K::F5, TerminalEvent::REPEAT)}},
+     {release(K::UPARROW), press(K::F1), repeat(K::F5)}},
     {CSI + "99;5u" + CSI + "99;5:2u" + CSI + "99;5:3u" + CSI + "99u", {QUIT, press(K::C)}},
     {CSI + "57399u" + CSI + "2~" + CSI + "H" + CSI + "5A" + CSI + "12;40R" + "w", {key(K::W)}},
     // Answers to queries.
@@ -111,20 +104,20 @@ const Case CASES[] = {
 };
 
 TEST(TerminalInputTest, DecodesWholeAndByteByByte) {
-  for (const Case& test : CASES) {
-    SCOPED_TRACE(::testing::PrintToString(test.bytes));
+  for (const auto& [bytes, expected] : CASES) {
+    SCOPED_TRACE(::testing::PrintToString(bytes));
     vt::TerminalInput whole;
-    EXPECT_EQ(feed(whole, test.bytes), test.expected);
+    EXPECT_EQ(feed(whole, bytes), expected);
     EXPECT_FALSE(whole.hasPending());
     EXPECT_TRUE(whole.flush().empty());
 
     vt::TerminalInput bytewise;
     Events events;
-    for (const char byte : test.bytes) {
+    for (const char byte : bytes) {
       const Events more = feed(bytewise, std::string(1, byte));
       events.insert(events.end(), more.begin(), more.end());
     }
-    EXPECT_EQ(events, test.expected);
+    EXPECT_EQ(events, expected);
   }
 }
 
@@ -176,59 +169,43 @@ std::string said(const std::vector<vt::InputRecord>& input) {
 }
 
 // What arrives at a time, and what the step at a later time delivers.
-struct Moment {
-  long at_ms;
-  std::vector<TerminalEvent> arriving;
-  long step_ms;
-  const char* delivered;
-};
+using Moment = std::tuple<long, Events, long, const char*>;
 
 void play(const std::vector<Moment>& moments) {
   vt::TerminalControls controls;
-  for (const Moment& moment : moments) {
-    for (const TerminalEvent& event : moment.arriving) controls.take(event, moment.at_ms);
-    std::vector<vt::InputRecord> input = controls.takeEvents(moment.step_ms);
+  for (const auto& [at_ms, arriving, step_ms, delivered] : moments) {
+    for (const TerminalEvent& event : arriving) controls.take(event, at_ms);
+    std::vector<vt::InputRecord> input = controls.takeEvents(step_ms);
     for (const vt::InputRecord& held : controls.heldInput()) input.push_back(held);
-    EXPECT_EQ(said(input), moment.delivered) << "at " << moment.step_ms << " ms";
+    EXPECT_EQ(said(input), delivered) << "at " << step_ms << " ms";
   }
 }
 
 const int D = K::D, S = K::S, A = K::A;
 
 // A key typed is held while its repeats come and released after a silence.
-TEST(TerminalControls, AKeyIsHeldWhileItsRepeatsComeOrUntilTheProtocolReleasesIt) {
+TEST(TerminalControls, KeysAndButtonsAreHeldUntilReleasedOrTheirRepeatsStop) {
   const long first_wait = vt::TerminalControls::FIRST_REPEAT_WAIT_MS;
   const long gap = vt::TerminalControls::REPEAT_GAP_MS;
-  play({{0, {key(D, TerminalEvent::TYPED)}, 10, "pressed D, down D"},
+  play({{0, {key(D)}, 10, "pressed D, down D"},
         {0, {}, first_wait, "down D"},
-        {first_wait, {key(D, TerminalEvent::TYPED)}, first_wait + gap, "down D"},
+        {first_wait, {key(D)}, first_wait + gap, "down D"},
         {0, {}, first_wait + gap + 1, "released D"},
         {0, {}, first_wait + 2 * gap, ""}});
   // Never repeated: released once the wait for the first repeat is over.
   // Another key typed releases the first at once: only the last key pressed
   // repeats. A key the protocol reports stays held.
-  play({{0, {key(D, TerminalEvent::TYPED)}, 0, "pressed D, down D"},
+  play({{0, {key(D)}, 0, "pressed D, down D"},
         {0, {}, first_wait + 1, "released D"},
-        {800,
-         {key(D, TerminalEvent::TYPED), key(A, TerminalEvent::PRESS)},
-         800,
-         "pressed D, pressed A, down A, down D"},
-        {900, {key(S, TerminalEvent::TYPED)}, 900, "released D, pressed S, down A, down S"}});
+        {800, {key(D), press(A)}, 800, "pressed D, pressed A, down A, down D"},
+        {900, {key(S)}, 900, "released D, pressed S, down A, down S"}});
   // The keyboard protocol says when a key goes down and up.
-  play({{0, {key(D, TerminalEvent::PRESS)}, 0, "pressed D, down D"},
-        {40, {key(D, TerminalEvent::REPEAT)}, 5000, "down D"},
-        {5000,
-         {key(D, TerminalEvent::RELEASE), key(S, TerminalEvent::PRESS)},
-         5000,
-         "released D, pressed S, down S"},
+  play({{0, {press(D)}, 0, "pressed D, down D"},
+        {40, {repeat(D)}, 5000, "down D"},
+        {5000, {release(D), press(S)}, 5000, "released D, pressed S, down S"},
         // A repeat whose press was lost still presses.
-        {5001,
-         {key(D, TerminalEvent::REPEAT), key(S, TerminalEvent::RELEASE)},
-         5001,
-         "pressed D, released S, down D"}});
-}
-
-TEST(TerminalControls, AMouseButtonIsHeldFromItsClickToItsRelease) {
+        {5001, {repeat(D), release(S)}, 5001, "pressed D, released S, down D"}});
+  // A mouse button is held from its click to its release.
   const int left = vt::Mouse::LEFT;
   play({{0, {mouse(vt::CLICKED, left, 3, 4)}, 0, "clicked 0 at 3,4, held 0 at 3,4"},
         {1, {mouse(vt::MOVED, left, 5, 6)}, 1, "moved at 5,6, held 0 at 5,6"},

@@ -2,6 +2,7 @@
 
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "media/CellFrame.h"
@@ -110,8 +111,7 @@ void scatter(vt::CellFrame& frame, std::mt19937& random, int count) {
   for (int i = 0; i < count; i++) {
     unsigned char r = 0, g = 0, b = 0;
     vt::colorToRGB(static_cast<vt::Color>(random() % 8), r, g, b);
-    frame.put(vt::Vector(static_cast<float>(random() % 40), static_cast<float>(random() % 12)),
-              chars[random() % 14], r, g, b);
+    frame.put(vt::Vector(random() % 40, random() % 12), chars[random() % 14], r, g, b);
   }
 }
 
@@ -151,11 +151,9 @@ TEST(TerminalScreen, CropsALargerFrameToTheTopLeftAndSaysSoOnTheLastRow) {
   VirtualTerminal terminal(30, 5);
   vt::CellFrame frame;
   frame.reset(50, 8, vt::BLACK);
-  for (int row = 0; row < 8; row++) {
-    for (int column = 0; column < 50; column++) {
-      frame.put(vt::Vector(static_cast<float>(column), static_cast<float>(row)),
-                static_cast<char>('a' + (column + row) % 26), 255, 0, 0);
-    }
+  for (int cell = 0; cell < 50 * 8; cell++) {
+    const int column = cell % 50, row = cell / 50;
+    frame.put(vt::Vector(column, row), static_cast<char>('a' + (column + row) % 26), 255, 0, 0);
   }
   terminal.apply(screen.render(frame));
   expectShows(terminal, screen, frame, 30, 4);
@@ -174,20 +172,17 @@ TEST(TerminalScreen, ChoosesColoursByWhatTheTerminalSaysAndMapsTheNamedOnes) {
   EXPECT_EQ(TerminalScreen::colorModeFor(nullptr, "tmux-256color"), TerminalScreen::COLORS_256);
   EXPECT_EQ(TerminalScreen::colorModeFor("", "xterm"), TerminalScreen::COLORS_16);
   EXPECT_EQ(TerminalScreen::colorModeFor(nullptr, nullptr), TerminalScreen::COLORS_16);
-  const struct {
-    vt::Color color;
-    const char* sixteen;
-    const char* two_fifty_six;
-  } NAMED[] = {{vt::BLACK, "30", "16"},   {vt::RED, "91", "196"},  {vt::GREEN, "92", "46"},
-               {vt::YELLOW, "93", "226"}, {vt::BLUE, "34", "21"},  {vt::MAGENTA, "95", "201"},
-               {vt::CYAN, "96", "51"},    {vt::WHITE, "97", "231"}};
+  // Each named colour's code among sixteen colours and among 256.
+  const std::tuple<vt::Color, const char*, const char*> NAMED[] = {
+      {vt::BLACK, "30", "16"},   {vt::RED, "91", "196"},  {vt::GREEN, "92", "46"},
+      {vt::YELLOW, "93", "226"}, {vt::BLUE, "34", "21"},  {vt::MAGENTA, "95", "201"},
+      {vt::CYAN, "96", "51"},    {vt::WHITE, "97", "231"}};
   TerminalScreen screen;
-  for (const auto& named : NAMED) {
+  for (const auto& [color, sixteen, two_fifty_six] : NAMED) {
     screen.setColorMode(TerminalScreen::COLORS_16);
-    EXPECT_EQ(sequenceOf(screen, named.color, true), std::string("\x1b[") + named.sixteen + "m");
+    EXPECT_EQ(sequenceOf(screen, color, true), std::string("\x1b[") + sixteen + "m");
     screen.setColorMode(TerminalScreen::COLORS_256);
-    EXPECT_EQ(sequenceOf(screen, named.color, false),
-              std::string("\x1b[48;5;") + named.two_fifty_six + "m");
+    EXPECT_EQ(sequenceOf(screen, color, false), std::string("\x1b[48;5;") + two_fifty_six + "m");
   }
   screen.setColorMode(TerminalScreen::COLORS_256);
   EXPECT_EQ(screen.colorSequence(128, 128, 128, true), "\x1b[38;5;244m") << "greys on the ramp";

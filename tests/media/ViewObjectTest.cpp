@@ -13,7 +13,6 @@ using vt::ViewObject;
 
 namespace {
 
-// A headless world whose view is an 80 by 24 screen.
 class ViewObjectTest : public testing::Test {
  protected:
   void SetUp() override { vt::WorldManager::getInstance().setView(vt::Box(Vector(0, 0), 80, 24)); }
@@ -67,14 +66,12 @@ TEST_F(ViewObjectTest, ViewEventsReachTheirTagAndCopiesSaveWhatChanged) {
   p_copy->deserialize(p_source->serialize("ALL"));
   const std::string groups = "STRING,VALUE,BORDER,COLOR,LOCATION,DRAW_VALUE,POSITION,";
   EXPECT_EQ(p_copy->serialize(groups), p_source->serialize(groups));
-  const vt::EventView add_two("Nukes", 2, true), set_nine("Nukes", 9, false);
-  vt::WorldManager& world = vt::WorldManager::getInstance();
-  EXPECT_EQ(world.onEvent(&add_two), 3);
-  EXPECT_EQ(std::tuple(p_source->getValue(), p_copy->getValue(), p_prefix->getValue()),
-            std::tuple(-10, -10, 1));
-  EXPECT_EQ(world.onEvent(&set_nine), 3);
-  EXPECT_EQ(std::tuple(p_source->getValue(), p_copy->getValue(), p_prefix->getValue()),
-            std::tuple(9, 9, 1));
+  for (const auto& [value, add, after] : {std::tuple(2, true, -10), {9, false, 9}}) {
+    const vt::EventView event("Nukes", value, add);
+    EXPECT_EQ(vt::WorldManager::getInstance().onEvent(&event), 3);
+    EXPECT_EQ(std::tuple(p_source->getValue(), p_copy->getValue(), p_prefix->getValue()),
+              std::tuple(after, after, 1));
+  }
   p_copy->serialize("ALL");
   p_copy->setValue(7);
   EXPECT_EQ(p_copy->serialize() + p_copy->serialize(), "view_value:7,");

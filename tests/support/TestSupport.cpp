@@ -79,16 +79,6 @@ bool keepGraphicsDriverLoaded() {
 
 }  // namespace
 
-}  // namespace vt::test
-
-// A process that opened windows skips LeakSanitizer's exit check: its tracer
-// now and then crashes among the software GL driver's threads.
-extern "C" int __lsan_is_turned_off() {
-  return vt::test::opens_windows ? 1 : 0;
-}
-
-namespace vt::test {
-
 bool startProcessXvfb(const char* screen) {
   opens_windows = true;
   static const XvfbServer server(screen);
@@ -130,3 +120,9 @@ long countDifferentPixels(const sf::Image& a, const sf::Image& b) {
 }
 
 }  // namespace vt::test
+
+// A process that opened windows skips LeakSanitizer's exit check: its tracer
+// now and then crashes among the software GL driver's threads.
+extern "C" int __lsan_is_turned_off() {
+  return vt::test::opens_windows ? 1 : 0;
+}

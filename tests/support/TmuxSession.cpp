@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 
@@ -44,14 +44,9 @@ bool TmuxSession::succeeds(const std::string& arguments) const {
 }
 
 std::string TmuxSession::run(const std::string& arguments) const {
-  std::string output;
-  FILE* p_pipe = popen(tmux(arguments).c_str(), "r");
-  if (p_pipe == nullptr) return output;
-  char buffer[4096];
-  std::size_t count = 0;
-  while ((count = fread(buffer, 1, sizeof(buffer), p_pipe)) > 0) output.append(buffer, count);
-  pclose(p_pipe);
-  return output;
+  const std::string output = folder + "/output";
+  succeeds(arguments + " > " + output);
+  return readFile(output);
 }
 
 bool TmuxSession::sendKeys(const std::string& keys, bool literal) const {
@@ -66,8 +61,7 @@ bool TmuxSession::resize(int columns, int rows) const {
 std::vector<std::string> TmuxSession::screenText() const {
   std::vector<std::string> rows;
   std::istringstream text(run("capture-pane -p -t " + name));
-  std::string row;
-  while (std::getline(text, row)) rows.push_back(row);
+  for (std::string row; std::getline(text, row);) rows.push_back(row);
   return rows;
 }
 

@@ -1,7 +1,7 @@
 // A game that runs in a terminal until it is told to end: by Q, by itself
-// ("end"), by an exception ("throw"), or by a signal from outside, even
-// stuck in a step ("hang"). It shows
-// its step count and writes its process id into the file named second.
+// ("end"), by an exception ("throw"), or by a signal from outside, even stuck
+// in a step ("hang"). It shows its step count and writes its process id into
+// the file named second.
 #include <unistd.h>
 
 #include <fstream>
