@@ -128,29 +128,26 @@ TEST(Config, ProblemsOfTheFileAreNamedWithTheirLinesAtStartUp) {
 // VANTOR_LOG_LEVEL: level 1 shows the configuration block.
 TEST(Config, TheLogLevelIsSetByTheFileAndTheEnvironmentWins) {
   const std::string directory = test::makeTempDir();
-  const struct {
-    const char* setting;
-    const char* environment;
-    bool block_shown;
-    const char* said;
-  } CASES[] = {
+  // The file's setting, VANTOR_LOG_LEVEL (nullptr: unset), whether the
+  // configuration block is shown, and what is said on standard error.
+  const std::tuple<const char*, const char*, bool, const char*> CASES[] = {
       {"", nullptr, false, ""},
       {"log_level:1,", nullptr, true, ""},
       {"", "1", true, ""},
       {"log_level:1,", "0", false, ""},
       {"log_level:1,", "high", true, "vantor: VANTOR_LOG_LEVEL 'high' is not a number; ignored\n"},
   };
-  for (const auto& c : CASES) {
-    SCOPED_TRACE(std::string(c.setting) + (c.environment ? c.environment : "-"));
-    std::ofstream(directory + "/vt-config.txt") << c.setting << "\n";
+  for (const auto& [setting, environment, block_shown, said] : CASES) {
+    SCOPED_TRACE(std::string(setting) + (environment ? environment : "-"));
+    std::ofstream(directory + "/vt-config.txt") << setting << "\n";
     setenv("VANTOR_CONFIG", (directory + "/vt-config.txt").c_str(), 1);
-    c.environment ? setenv("VANTOR_LOG_LEVEL", c.environment, 1) : unsetenv("VANTOR_LOG_LEVEL");
+    environment ? setenv("VANTOR_LOG_LEVEL", environment, 1) : unsetenv("VANTOR_LOG_LEVEL");
     testing::internal::CaptureStderr();
     vt::Harness harness;
     ASSERT_EQ(harness.startUp(), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), c.said);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), said);
     harness.shutDown();
-    EXPECT_EQ(harness.logContains("Vantor configuration:"), c.block_shown);
+    EXPECT_EQ(harness.logContains("Vantor configuration:"), block_shown);
     unsetenv("VANTOR_LOG_LEVEL");
     test::restoreEngineSettings();
   }

@@ -17,43 +17,37 @@
 #include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
 
-namespace {
-
-std::string topRow(const vt::Harness& harness) {
-  std::istringstream frame(harness.frameText());
-  std::string line;
-  for (int i = 0; i < 3; i++) std::getline(frame, line);
-  return line;
-}
-
-}  // namespace
-
 // The overlay covers a view object on the top line while it is on; the game's
 // own handler of F12 finds it already toggled.
 TEST(FrameStats, F12ShowsTheLastStepOnTheTopLineOverEverything) {
   vt::Harness harness;
   ASSERT_EQ(harness.startUp(), 0);
+  const auto topRow = [&harness] {
+    std::istringstream frame(harness.frameText());
+    std::string line;
+    for (int i = 0; i < 3; i++) std::getline(frame, line);
+    return line;
+  };
   (new vt::ViewObject)->setLocation(vt::TOP_LEFT);
   auto* p_game = new test::RecordingObject;
   p_game->registerInterest(vt::KEYBOARD_EVENT);
   std::vector<bool> shown_at_press;
   p_game->on_event = [&](const vt::Event* p_event) {
-    const auto* p_key = static_cast<const vt::EventKeyboard*>(p_event);
-    if (p_key->getKeyboardAction() != vt::KEY_PRESSED) return;
-    shown_at_press.push_back(vt::FrameStats::getInstance().isOverlayShown());
+    if (static_cast<const vt::EventKeyboard*>(p_event)->getKeyboardAction() == vt::KEY_PRESSED)
+      shown_at_press.push_back(vt::FrameStats::getInstance().isOverlayShown());
   };
   harness.step();
-  const std::string world_row = topRow(harness);
+  const std::string world_row = topRow();
   harness.pressKey(vt::Keyboard::F12);
   harness.step();
   const std::regex overlay(
       "events [0-9.]+ input [0-9.]+ net [0-9.]+ update [0-9.]+ draw [0-9.]+ paths [0-9.]+ "
       "sleep [0-9.]+ objs 2 *\\|");
-  EXPECT_TRUE(std::regex_match(topRow(harness), overlay)) << topRow(harness);
+  EXPECT_TRUE(std::regex_match(topRow(), overlay)) << topRow();
   harness.step(vt::KEY_PRESS_STEPS);
   harness.pressKey(vt::Keyboard::F12);
   harness.step();
-  EXPECT_EQ(topRow(harness), world_row);
+  EXPECT_EQ(topRow(), world_row);
   EXPECT_EQ(shown_at_press, (std::vector<bool>{true, false}));
 }
 

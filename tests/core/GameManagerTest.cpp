@@ -25,10 +25,6 @@ struct GameManagerTest : testing::Test {
     setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
     ASSERT_EQ(harness.startUp(), 0);
   }
-  std::string stopAndReadLog() {
-    harness.shutDown();
-    return harness.logText();
-  }
   const std::string directory = test::makeTempDir();
   vt::Harness harness;
 };
@@ -51,7 +47,8 @@ TEST_F(GameManagerTest, StepsAreCountedAndGameOverFinishesTheIteration) {
   // The world was updated in the iteration that set game over too.
   EXPECT_FLOAT_EQ(p_object->getPosition().getX(), start_x + 5);
   EXPECT_EQ(GameManager::getInstance().getStepCount(), 5);
-  EXPECT_EQ(stopAndReadLog().find("Can't keep up"), std::string::npos);
+  harness.shutDown();
+  EXPECT_EQ(harness.logText().find("Can't keep up"), std::string::npos);
 }
 
 // Late frames are reported, but never the first step nor a step whose frame
@@ -66,7 +63,8 @@ TEST_F(GameManagerTest, LateFramesAreReportedButNotTheFirstNorARestartedOne) {
     if (step == 2) GameManager::getInstance().restartFrame();
   });
   GameManager::getInstance().run();
-  const std::string log = stopAndReadLog();
+  harness.shutDown();
+  const std::string log = harness.logText();
   for (const auto& [step, late] : {std::pair("0", false), {"1", true}, {"2", false}, {"4", true}}) {
     const std::string line =
         " " + std::string(step) + " GameManager::run(): Can't keep up! frame_time 20 ms";

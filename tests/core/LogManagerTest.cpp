@@ -4,7 +4,6 @@
 #include <regex>
 #include <string>
 
-#include "core/EventStep.h"
 #include "core/LogManager.h"
 #include "extras/Harness.h"
 #include "media/ResourceManager.h"
@@ -53,11 +52,8 @@ TEST(LogManager, EveryLineIsInTheFileByTheEndOfItsStep) {
   std::ofstream(sprite) << "<HEADER>\nframes 1\nwidth 1\nheight 1\ncolour green\n</HEADER>\n"
                         << "<BODY>\n*\nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n";
   EXPECT_EQ(vt::ResourceManager::getInstance().loadSprite(sprite, "star"), 0);
-  auto* p_writer = new test::RecordingObject;
-  p_writer->registerInterest(vt::STEP_EVENT);
-  p_writer->on_event = [p_writer](const vt::Event*) {
-    LogManager::getInstance().writeLog("step %d done", p_writer->steps.back());
-  };
+  test::RecordingObject::untilStep(
+      3, [](int step) { LogManager::getInstance().writeLog("step %d done", step); });
   for (int step = 0; step < 3; step++) {
     harness.step();
     // Read as another process reads it, without flushing this one's streams.

@@ -24,7 +24,6 @@
 #include "media/InputActions.h"
 #include "media/InputManager.h"
 #include "media/ViewObject.h"
-#include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
 #include "support/TestSupport.h"
 #include "world/WorldManager.h"
@@ -87,20 +86,17 @@ TEST(Pause, ItsKeyHoldsTheGameUntilTheNextKeyPress) {
 // key comes in; a replay, which does not wait, shows it in that step's
 // frame. Without a message the pause draws nothing.
 TEST(Pause, ItsMessageIsShownInTheCentreOfTheScreen) {
-  const std::string folder = test::makeTempDir();
-  const std::string recording = folder + "/pause.vrec";
-  {
-    vt::Harness harness;
-    ASSERT_EQ(harness.startUp(), 0);
-    new vt::Pause(vt::Keyboard::F10);
-    ASSERT_EQ(harness.record(recording), 0);
-    harness.step();
-    harness.tapKey(vt::Keyboard::F10);
-    harness.step(2);
-    ASSERT_EQ(harness.finishReplay(), 0);
-    EXPECT_TRUE(harness.logContains("Cannot pause"));
-  }
-  // The centre row of the frame in each step.
+  vt::Harness harness;
+  ASSERT_EQ(harness.startUp(), 0);
+  // In the harness's own folder, kept until it is destroyed.
+  const std::string recording = harness.getLogFile() + ".vrec";
+  new vt::Pause(vt::Keyboard::F10);
+  ASSERT_EQ(harness.record(recording), 0);
+  harness.step();
+  harness.tapKey(vt::Keyboard::F10);
+  harness.step(2);
+  ASSERT_EQ(harness.finishReplay(), 0);
+  EXPECT_TRUE(harness.logContains("Cannot pause"));
   const auto centreRow = [](const vt::Harness& harness) {
     std::istringstream frame(harness.frameText());
     std::string row;
@@ -110,7 +106,7 @@ TEST(Pause, ItsMessageIsShownInTheCentreOfTheScreen) {
   const std::string blank(80, ' ');
   for (const std::string message : {"", "Paused: any key resumes"}) {
     SCOPED_TRACE(message);
-    vt::Harness harness;
+    harness.shutDown();
     ASSERT_EQ(harness.startUp(), 0);
     (new vt::Pause(vt::Keyboard::F10))->setMessage(message, vt::YELLOW);
     ASSERT_EQ(harness.replay(recording), 0);
@@ -122,7 +118,6 @@ TEST(Pause, ItsMessageIsShownInTheCentreOfTheScreen) {
     }
     EXPECT_EQ(harness.finishReplay(), 0) << harness.replayFailure();
   }
-  std::filesystem::remove_all(folder);
 }
 
 // Size 20 and a fixed seed: the shortest and longest lives both occur. How
@@ -275,29 +270,25 @@ TEST(InputActions, FollowTheirKeysAndButtonsStepByStep) {
     return std::string(p_actions->isPressed(action) ? "P" : "-") +
            (p_actions->isHeld(action) ? "H" : "-") + (p_actions->isReleased(action) ? "R" : "-");
   };
-  const struct {
-    std::function<void()> input;
-    const char* up;
-    const char* fire;
-  } steps[] = {
-      {[&] { harness.pressKey(vt::Keyboard::W); }, "PH-", "---"},
-      {[&] { harness.holdKey(vt::Keyboard::UPARROW); }, "-H-", "---"},
-      {[&] { harness.holdMouse(vt::Mouse::LEFT, Vector(3, 3)); }, "-H-", "PH-"},
-      {[] {}, "-H-", "-H-"},
+  // The input before each step, and the states of "up" and "fire" after it.
+  const std::pair<std::function<void()>, const char*> steps[] = {
+      {[&] { harness.pressKey(vt::Keyboard::W); }, "PH- ---"},
+      {[&] { harness.holdKey(vt::Keyboard::UPARROW); }, "-H- ---"},
+      {[&] { harness.holdMouse(vt::Mouse::LEFT, Vector(3, 3)); }, "-H- PH-"},
+      {[] {}, "-H- -H-"},
       {[&] {
          harness.releaseKey(vt::Keyboard::UPARROW);
          harness.releaseMouse(vt::Mouse::LEFT);
        },
-       "--R", "--R"},
+       "--R --R"},
       // A tap, with no held step, is held in its own step.
-      {[&] { harness.tapKey(vt::Keyboard::UPARROW); }, "PH-", "---"},
-      {[] {}, "--R", "---"},
+      {[&] { harness.tapKey(vt::Keyboard::UPARROW); }, "PH- ---"},
+      {[] {}, "--R ---"},
   };
   for (const auto& step : steps) {
-    step.input();
+    step.first();
     harness.step();
-    EXPECT_EQ(state("up") + " " + state("fire"), std::string(step.up) + " " + step.fire)
-        << "step " << &step - steps;
+    EXPECT_EQ(state("up") + " " + state("fire"), step.second) << "step " << &step - steps;
   }
   EXPECT_EQ(state("jump") + state("jump"), "------");
   const std::string log = harness.logText();

@@ -106,7 +106,7 @@ class NetworkManagerTest : public testing::Test {
 
 // A server and a client exchanging messages, each in a process of its own,
 // are the net-chat example's test.
-TEST_F(NetworkManagerTest, OnlyWholeMessagesAreAnnouncedAndAFrameTakesAllThatArrived) {
+TEST_F(NetworkManagerTest, OnlyWholeMessagesAreAnnouncedAndBadOnesCloseOnlyTheirConnection) {
   acceptPeers(1);
   const std::string message = frame("abcdef");
   // Ten bytes in three pieces: no event until the last one is in.
@@ -123,51 +123,9 @@ TEST_F(NetworkManagerTest, OnlyWholeMessagesAreAnnouncedAndAFrameTakesAllThatArr
   EXPECT_EQ(network_manager.processFrame(Clock(), 5000), 5);
   EXPECT_EQ(payloads[0],
             (Strings{"abcdef", "", "message 0", "message 1", "message 2", "message 3"}));
-}
-
-TEST_F(NetworkManagerTest, FastPeerHasEveryMessageDeliveredInOrderThenItsClose) {
-  const auto numbered = [](int i) { return std::string(32760, char('a' + i % 26)) + sizeField(i); };
-  const pid_t child = fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    RawPeer peer(port);
-    for (int i = 0; i < 300; i++) peer.write(frame(numbered(i)));
-    _exit(0);
-  }
-  const bool closed = pumpUntil([&] { return countLabel(NETWORK_CLOSE) == 1; });
-  kill(child, SIGKILL);
-  waitpid(child, nullptr, 0);
-  ASSERT_TRUE(closed && payloads[0].size() == 300) << payloads[0].size() << " of 300 arrived";
-  for (int i = 0; i < 300; i++) ASSERT_EQ(payloads[0][i], numbered(i)) << i;
-}
-
-TEST_F(NetworkManagerTest, ClientsBeyondTheLimitAreRefusedAndCloseRenumbersTheOthers) {
-  acceptPeers(3);
-  EXPECT_EQ(network_manager.close(0), 0);
-  ASSERT_TRUE(peers[1].write(frame("from B")) && peers[2].write(frame("from C")));
-  ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_DATA) == 2; }));
-  EXPECT_EQ(payloads, (std::map<int, Strings>{{0, {"from B"}}, {1, {"from C"}}}));
-  network_manager.setMaxConnections(2);
-  RawPeer refused(port);
-  ASSERT_TRUE(pumpUntil([&] { return refused.sawClose(); }));
-  EXPECT_EQ(network_manager.getNumConnections(), 2);
-  // Closing all closes the first, and then the third of those renumbered.
-  EXPECT_EQ(network_manager.closeAll(), 0);
-  EXPECT_EQ(network_manager.getNumConnections(), 1);
-}
-
-TEST_F(NetworkManagerTest, AFailedReadIsAnErrorNotAMessageOfNoBytes) {
-  acceptPeers(1);
-  peers[0].close(true);
-  char buffer[4];
-  EXPECT_EQ(network_manager.receive(0, buffer, 4), -1);
-  EXPECT_NE(engine.logText().find("\t104 - Connection reset by peer\n"), std::string::npos);
-}
-
-// The good peer, connection 0, must not notice the hostile ones that join after it.
-TEST_F(NetworkManagerTest, BadSizesAndCutMessagesCloseOnlyTheOffenderAfterItsWholeMessages) {
-  acceptPeers(1);
-  // Bytes sent, whole messages in them, size refused; a peer not refused hangs up or resets.
+  // A bad size or a cut message closes only its sender, after its whole
+  // messages: connection 0 does not notice. The bytes sent, the whole messages
+  // in them and the size refused; a peer not refused hangs up or resets.
   const std::tuple<std::string, int, int, bool> CASES[] = {
       {sizeField(-5) + "junk", 0, -5, false},
       {frame("whole") + sizeField(3), 1, 3, false},
@@ -191,4 +149,40 @@ TEST_F(NetworkManagerTest, BadSizesAndCutMessagesCloseOnlyTheOffenderAfterItsWho
                                     std::to_string(refused_size) + " not in range [4,32768]."),
               std::string::npos);
   }
+}
+
+TEST_F(NetworkManagerTest, FastPeerHasEveryMessageDeliveredInOrderThenItsClose) {
+  const auto numbered = [](int i) { return std::string(32760, char('a' + i % 26)) + sizeField(i); };
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    RawPeer peer(port);
+    for (int i = 0; i < 300; i++) peer.write(frame(numbered(i)));
+    _exit(0);
+  }
+  const bool closed = pumpUntil([&] { return countLabel(NETWORK_CLOSE) == 1; });
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  ASSERT_TRUE(closed && payloads[0].size() == 300) << payloads[0].size() << " of 300 arrived";
+  for (int i = 0; i < 300; i++) ASSERT_EQ(payloads[0][i], numbered(i)) << i;
+}
+
+TEST_F(NetworkManagerTest, ClientsBeyondTheLimitAreRefusedCloseRenumbersTheOthersAndResetsFail) {
+  acceptPeers(3);
+  EXPECT_EQ(network_manager.close(0), 0);
+  ASSERT_TRUE(peers[1].write(frame("from B")) && peers[2].write(frame("from C")));
+  ASSERT_TRUE(pumpUntil([&] { return countLabel(NETWORK_DATA) == 2; }));
+  EXPECT_EQ(payloads, (std::map<int, Strings>{{0, {"from B"}}, {1, {"from C"}}}));
+  network_manager.setMaxConnections(2);
+  RawPeer refused(port);
+  ASSERT_TRUE(pumpUntil([&] { return refused.sawClose(); }));
+  EXPECT_EQ(network_manager.getNumConnections(), 2);
+  // Closing all closes the first, and then the third of those renumbered.
+  EXPECT_EQ(network_manager.closeAll(), 0);
+  EXPECT_EQ(network_manager.getNumConnections(), 1);
+  // That one, C, resets: a failed read is an error, not a message of no bytes.
+  peers[2].close(true);
+  char buffer[4];
+  EXPECT_EQ(network_manager.receive(0, buffer, 4), -1);
+  EXPECT_NE(engine.logText().find("\t104 - Connection reset by peer\n"), std::string::npos);
 }

@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <tuple>
 
-#include "core/GameManager.h"
 #include "extras/Harness.h"
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
@@ -24,24 +24,21 @@ class Walker : public vt::Object {
   explicit Walker(float new_stride) : stride(new_stride) {
     setType("Walker");
     setPosition(Vector(10, 10));
-    registerInterest(vt::KEYBOARD_EVENT);
-    registerInterest(vt::MOUSE_EVENT);
-    registerInterest(vt::STEP_EVENT);
+    for (const std::string& type : {vt::KEYBOARD_EVENT, vt::MOUSE_EVENT, vt::STEP_EVENT})
+      registerInterest(type);
   }
   int eventHandler(const vt::Event* p_event) override {
     if (p_event->getType() == vt::STEP_EVENT) {
       setVelocity(Vector(0, static_cast<float>(std::rand() % 3 - 1) * 0.01f));
       return 1;
     }
-    if (p_event->getType() == vt::KEYBOARD_EVENT) {
-      const auto* p_key = static_cast<const vt::EventKeyboard*>(p_event);
+    if (const auto* p_key = dynamic_cast<const vt::EventKeyboard*>(p_event)) {
       if (p_key->getKeyboardAction() == vt::KEY_DOWN)
         setPosition(getPosition() + Vector(stride, 0));
       if (p_key->getKey() == vt::Keyboard::P) pathTo(Vector(40, 10));
       return 1;
     }
-    if (p_event->getType() == vt::MOUSE_EVENT) {
-      const auto* p_mouse = static_cast<const vt::EventMouse*>(p_event);
+    if (const auto* p_mouse = dynamic_cast<const vt::EventMouse*>(p_event)) {
       if (p_mouse->getMouseAction() == vt::CLICKED) setPosition(p_mouse->getMousePosition());
       return 1;
     }
@@ -68,11 +65,7 @@ Vector walkerPosition() {
 
 class RecorderTest : public testing::Test {
  protected:
-  void SetUp() override {
-    folder = test::makeTempDir();
-    recording = folder + "/session.vrec";
-  }
-  void TearDown() override { std::filesystem::remove_all(folder); }
+  ~RecorderTest() override { std::filesystem::remove_all(folder); }
   // Records the session with a walker of stride 1; returns where it ended.
   Vector recordSession() {
     vt::Harness harness;
@@ -91,43 +84,33 @@ class RecorderTest : public testing::Test {
     EXPECT_EQ(harness.finishReplay(), 0);
     return end;
   }
-  std::string folder;
-  std::string recording;
+  const std::string folder = test::makeTempDir();
+  const std::string recording = folder + "/session.vrec";
 };
 
 TEST_F(RecorderTest, ASessionReplaysAsPlayedAndTheFirstDifferenceIsNamed) {
   // The file's format is fixed by the shooter's recorded sessions.
   const Vector end = recordSession();
-  const std::string text = test::readFile(recording);
   // The same game replayed, nothing fed by hand, ends where it did with its
   // checks at their steps. A game that strides twice as far searches another
-  // path; a world that differs from its fingerprint, a replay run past its
-  // end or stopped short fail.
-  std::string tampered = text;
-  const std::size_t digit = tampered.find(" world:") + 7;
-  tampered[digit] = tampered[digit] == '0' ? '1' : '0';
-  const struct {
-    float stride;
-    const std::string& recorded;
-    int steps;
-    const char* failure;
-  } CASES[] = {
-      {1, text, 90, ""},
-      {2, text, 90, "step 8: path searches ran "},
-      {1, tampered, 90, "step 29: the world's 2 objects differ from the recording"},
-      {1, text, 91, "step 90: the recording ends here, the game goes on"},
-      {1, text, 60, "step 60: the game ended, the recording goes on to step 90"},
+  // path; a replay run past its end or stopped short fails. (A world that
+  // differs from its fingerprint fails the shooter's replay.) The walker's
+  // stride, the steps replayed and the failure ("" for none).
+  const std::tuple<float, int, const char*> CASES[] = {
+      {1, 90, ""},
+      {2, 90, "step 8: path searches ran "},
+      {1, 91, "step 90: the recording ends here, the game goes on"},
+      {1, 60, "step 60: the game ended, the recording goes on to step 90"},
   };
-  for (const auto& replay : CASES) {
-    std::ofstream(recording) << replay.recorded;
+  for (const auto& [stride, steps, failure] : CASES) {
     vt::Harness harness;
     ASSERT_EQ(harness.startUp(), 0);
-    makeWorld(replay.stride);
+    makeWorld(stride);
     ASSERT_EQ(harness.replay(recording), 0);
     Vector at_step_0;
     harness.atStep(0, [&] { at_step_0 = walkerPosition(); });
-    harness.step(replay.steps);
-    const bool as_played = *replay.failure == '\0';
+    harness.step(steps);
+    const bool as_played = *failure == '\0';
     EXPECT_EQ(harness.finishReplay(), as_played ? 0 : -1) << harness.replayFailure();
     if (as_played) {
       EXPECT_EQ(at_step_0.getX(), 12.5f);
@@ -135,9 +118,9 @@ TEST_F(RecorderTest, ASessionReplaysAsPlayedAndTheFirstDifferenceIsNamed) {
       EXPECT_EQ(walkerPosition(), end);
       continue;
     }
-    EXPECT_EQ(harness.replayFailure().rfind(replay.failure, 0), 0u) << harness.replayFailure();
+    EXPECT_EQ(harness.replayFailure().rfind(failure, 0), 0u) << harness.replayFailure();
     EXPECT_TRUE(harness.logContains("Recorder: Error! The replay of '" + recording +
-                                    "' diverged at " + replay.failure));
+                                    "' diverged at " + failure));
   }
 }
 
@@ -155,10 +138,8 @@ TEST_F(RecorderTest, BadRecordingsAreRefusedWithTheirReason) {
   }
   const std::string good = test::readFile(recording);
   const std::string header = good.substr(0, good.find("0 click"));
-  const struct {
-    std::string text;
-    const char* reason;
-  } CASES[] = {
+  // The text, and the reason it is refused.
+  const std::pair<std::string, const char*> CASES[] = {
       {"", "empty recording"},
       {"\x01\xff garbage\n", "not a recording"},
       {"vantor-recording 2\n", "version '2' is not supported (this engine reads 1)"},
@@ -176,17 +157,17 @@ TEST_F(RecorderTest, BadRecordingsAreRefusedWithTheirReason) {
       {"vantor-recording 1\nengine 4.17\nframe_time 33\ngrid 40 12\nseed 1\nhash_every 30\nend 1\n",
        "was recorded at 33 ms on 40x12 cells; this game runs at 33 ms on 80x24"},
   };
-  for (const auto& bad : CASES) {
-    std::ofstream(recording) << bad.text;
+  for (const auto& [text, reason] : CASES) {
+    std::ofstream(recording) << text;
     vt::Harness harness;
     ASSERT_EQ(harness.startUp(), 0);
-    EXPECT_EQ(harness.replay(recording), -1) << bad.reason;
-    EXPECT_TRUE(harness.logContains(bad.reason)) << bad.reason << "\n" << harness.logText();
+    EXPECT_EQ(harness.replay(recording), -1) << reason;
+    EXPECT_TRUE(harness.logContains(reason)) << reason << "\n" << harness.logText();
     // Nothing replays: the harness's own input still works.
     makeWorld(1);
     harness.holdKey(vt::Keyboard::D);
     harness.step(2);
-    EXPECT_EQ(walkerPosition().getX(), 12) << bad.reason;
+    EXPECT_EQ(walkerPosition().getX(), 12) << reason;
   }
 }
 

@@ -15,7 +15,7 @@ namespace fuzz {
 // Starts, once per process, a headless engine whose log goes nowhere: the
 // log, world and resource managers.
 inline void startEngine() {
-  static const bool started = [] {
+  [[maybe_unused]] static const bool started = [] {
     vt::Config::getInstance().setHeadless(true);
     vt::Config::getInstance().setLogFile("/dev/null");
     unsetenv("VANTOR_LOG");
@@ -24,7 +24,6 @@ inline void startEngine() {
     vt::ResourceManager::getInstance().startUp();
     return true;
   }();
-  (void)started;
 }
 
 inline std::string text(const uint8_t* data, size_t size) {

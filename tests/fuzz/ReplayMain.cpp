@@ -15,9 +15,8 @@ int main(int argc, char** argv) {
   std::vector<std::filesystem::path> files;
   for (int i = 1; i < argc; i++) {
     std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(argv[i], error)) {
+    for (const auto& entry : std::filesystem::directory_iterator(argv[i], error))
       if (entry.is_regular_file()) files.push_back(entry.path());
-    }
   }
   std::sort(files.begin(), files.end());
   for (const auto& file : files) {

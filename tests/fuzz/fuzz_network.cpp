@@ -108,8 +108,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     expected.push_back(stream.substr(at, static_cast<std::size_t>(length)));
   }
-  if (seen.messages != expected || seen.closed_after != int(expected.size())) {
-    std::abort();
-  }
+  if (seen.messages != expected || seen.closed_after != int(expected.size())) std::abort();
   return 0;
 }

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <tuple>
 
 #include "extras/NetworkManager.h"
 #include "media/Shape.h"
@@ -12,7 +13,7 @@
 using vt::Object;
 using vt::Vector;
 
-TEST(Object, IdsAreUniqueAndFindTheirObject) {
+TEST(Object, IdsAreUniqueAndInterestsKeepOrderAndLimitAndEndWithTheObject) {
   test::HeadlessEngine engine;
   auto* p_first = new vt::Object;
   auto* p_next = new vt::Object;
@@ -22,10 +23,7 @@ TEST(Object, IdsAreUniqueAndFindTheirObject) {
   EXPECT_EQ((new vt::Object)->getId(), later_id + 1);
   p_next->setActive(false);
   EXPECT_EQ(vt::WorldManager::getInstance().objectWithId(later_id), p_next);
-}
-
-TEST(Object, EventRegistrationKeepsOrderAndLimitAndEndsWithTheObject) {
-  test::HeadlessEngine engine;
+  // Interests keep their order and limit, and end with the object.
   auto* p_object = new vt::Object;
   for (const char* name : {"a", "b", "c"}) ASSERT_EQ(p_object->registerInterest(name), 0);
   ASSERT_EQ(p_object->unregisterInterest("b"), 0);
@@ -51,20 +49,19 @@ TEST(Object, EventRegistrationKeepsOrderAndLimitAndEndsWithTheObject) {
 // Each step the object moves by its velocity, then jumps to every waypoint
 // within three quarters of its speed and turns towards the next one.
 TEST(Object, FollowsItsPathTakingCloseWaypointsAtOnce) {
-  const struct {
-    float speed;
-    std::vector<Vector> after;
-  } cases[] = {{1, {{1, 0}, {2, 0}, {2, 1}, {2, 2}, {2, 3}}}, {2, {{2, 0}, {2, 3}}}, {4, {{2, 3}}}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.speed);
+  // The speed, and the positions after each step.
+  const std::pair<float, std::vector<Vector>> cases[] = {
+      {1, {{1, 0}, {2, 0}, {2, 1}, {2, 2}, {2, 3}}}, {2, {{2, 0}, {2, 3}}}, {4, {{2, 3}}}};
+  for (const auto& [speed, after] : cases) {
+    SCOPED_TRACE(speed);
     test::HeadlessEngine engine;
     auto* p_object = new vt::Object;
     p_object->setPosition(Vector(0, 0));
-    p_object->setSpeed(c.speed);
+    p_object->setSpeed(speed);
     p_object->setPath({Vector(1, 0), Vector(2, 0), Vector(2, 3)});
     p_object->setFollowPath(true);
     EXPECT_EQ(p_object->getDirection(), Vector(1, 0));
-    for (const Vector& expected : c.after) {
+    for (const Vector& expected : after) {
       EXPECT_TRUE(p_object->getFollowPath());
       vt::WorldManager::getInstance().update();
       EXPECT_EQ(p_object->getPosition(), expected);
@@ -84,11 +81,7 @@ TEST(SceneGraph, ListsFollowTheObjectsAttributes) {
   auto* p = new vt::Object;
   p->setType("ship");
   // Each change, its result, and the lists the object is in after it.
-  const struct {
-    std::function<int()> change;
-    int result;
-    bool active, solid, visible_at_2, visible_at_4, ship;
-  } steps[] = {
+  const std::tuple<std::function<int()>, int, bool, bool, bool, bool, bool> steps[] = {
       {[] { return 0; }, 0, true, true, true, false, true},
       {[&] { return p->setSolidness(vt::SPECTRAL); }, 0, true, false, true, false, true},
       {[&] { return p->setSolidness(vt::SOFT); }, 0, true, true, true, false, true},
@@ -105,52 +98,16 @@ TEST(SceneGraph, ListsFollowTheObjectsAttributes) {
       {[&] { return p->setSolidness(vt::HARD); }, 0, true, true, false, true, true},
   };
   int index = 0;
-  for (const auto& step : steps) {
+  for (const auto& [change, result, active, solid, visible_at_2, visible_at_4, ship] : steps) {
     SCOPED_TRACE(index++);
-    EXPECT_EQ(step.change(), step.result);
-    EXPECT_EQ(graph.activeObjects().contains(p), step.active);
-    EXPECT_EQ(graph.inactiveObjects().contains(p), !step.active);
-    EXPECT_EQ(graph.solidObjects().contains(p), step.solid);
-    EXPECT_EQ(graph.visibleObjects(2).contains(p), step.visible_at_2);
-    EXPECT_EQ(graph.visibleObjects(4).contains(p), step.visible_at_4);
-    EXPECT_EQ(graph.objectsOfType("ship").contains(p), step.ship);
+    EXPECT_EQ(change(), result);
+    EXPECT_EQ(graph.activeObjects().contains(p), active);
+    EXPECT_EQ(graph.inactiveObjects().contains(p), !active);
+    EXPECT_EQ(graph.solidObjects().contains(p), solid);
+    EXPECT_EQ(graph.visibleObjects(2).contains(p), visible_at_2);
+    EXPECT_EQ(graph.visibleObjects(4).contains(p), visible_at_4);
+    EXPECT_EQ(graph.objectsOfType("ship").contains(p), ship);
   }
-}
-
-TEST(ObjectSerialization, WritesEveryGroupOnceThenOnlyWhatChangedOrWasNamed) {
-  test::HeadlessEngine engine;
-  auto* p_object = new Object;
-  const std::string id = std::to_string(p_object->getId());
-  const std::string everything = p_object->serialize();
-  EXPECT_EQ(everything,
-            "id:" + id +
-                ",is_active:true,is_visible:true,event_count:0,"
-                "box-corner-x:-0.5,box-corner-y:-0.5,box-horizontal:0.99,box-vertical:0.99,"
-                "pos-x:1,pos-y:1,type:(Undefined),"
-                "sprite_name:,sprite_index:0,sprite_slowdown_count:0,"
-                "altitude:2,solidness:0,no_soft:false,x_direction:0,y_direction:0,speed:0,"
-                "x_acceleration:0,y_acceleration:0,shape:-1,size:1,color:White,opacity:255,"
-                "follow_path:false,path:,path_index:0,avoid_collisions:false,");
-  // Setting a value an object already has changes nothing.
-  p_object->setAltitude(2);
-  p_object->setPosition(Vector(1, 1));
-  EXPECT_EQ(p_object->serialize(), "");
-  EXPECT_FALSE(p_object->isModified(vt::POSITION));
-  EXPECT_EQ(p_object->serialize("ALL"), everything);
-  p_object->setVelocity(Vector(0, -3));
-  p_object->setDirection(Vector(0.5f, 0.25f));
-  p_object->setPosition(Vector(3.25f, -4));
-  p_object->registerInterest("nuke");
-  p_object->setPath({Vector(3, 4), Vector(5.5f, 4)});
-  EXPECT_EQ(p_object->serialize(),
-            "event_count:1,event_name[0]:nuke,pos-x:3.25,pos-y:-4,x_direction:0.5,y_direction:0."
-            "25,speed:3,path:3 4|5.5 4|,path_index:2,");
-  // Named groups are written whether modified or not; the others keep their
-  // flags. Without its trailing comma the last name matches nothing.
-  p_object->setAltitude(3);
-  EXPECT_EQ(p_object->serialize("SPEED,POSITION,"), "pos-x:3.25,pos-y:-4,speed:3,");
-  EXPECT_EQ(p_object->serialize("ID,ALTITUDE"), "id:" + id + ",");
-  EXPECT_EQ(p_object->serialize(), "altitude:3,");
 }
 
 // Each setter and the group it marks: the next serialize writes that group alone.
@@ -179,7 +136,7 @@ const std::pair<std::function<int(Object&)>, std::string> SETTERS[] = {
     {[](Object& o) { return o.setFollowPath(), 0; }, "follow_path:true,"},
 };
 
-TEST(ObjectSerialization, EachSetterMarksItsOwnGroup) {
+TEST(ObjectSerialization, WritesEveryGroupOnceThenWhatChangedOrWasNamedAndCopiesMatch) {
   test::HeadlessEngine engine;
   for (const auto& [set, written] : SETTERS) {
     auto* p_object = new Object;
@@ -187,15 +144,40 @@ TEST(ObjectSerialization, EachSetterMarksItsOwnGroup) {
     EXPECT_EQ(set(*p_object), 0) << written;
     EXPECT_EQ(p_object->serialize(), written);
   }
-  // The same value again changes nothing, and is no failure.
   auto* p_object = new Object;
-  p_object->serialize();
+  const std::string id = std::to_string(p_object->getId());
+  const std::string everything = p_object->serialize();
+  EXPECT_EQ(everything,
+            "id:" + id +
+                ",is_active:true,is_visible:true,event_count:0,"
+                "box-corner-x:-0.5,box-corner-y:-0.5,box-horizontal:0.99,box-vertical:0.99,"
+                "pos-x:1,pos-y:1,type:(Undefined),"
+                "sprite_name:,sprite_index:0,sprite_slowdown_count:0,"
+                "altitude:2,solidness:0,no_soft:false,x_direction:0,y_direction:0,speed:0,"
+                "x_acceleration:0,y_acceleration:0,shape:-1,size:1,color:White,opacity:255,"
+                "follow_path:false,path:,path_index:0,avoid_collisions:false,");
+  // Setting a value an object already has changes nothing, and is no failure.
+  p_object->setAltitude(2);
+  p_object->setPosition(Vector(1, 1));
   EXPECT_EQ(p_object->setActive(true) + p_object->setVisible(true) + p_object->setNoSoft(false), 0);
   EXPECT_EQ(p_object->serialize(), "");
-}
-
-TEST(ObjectSerialization, ACopyMadeFromTheTextMatchesTheOriginal) {
-  test::HeadlessEngine engine;
+  EXPECT_FALSE(p_object->isModified(vt::POSITION));
+  EXPECT_EQ(p_object->serialize("ALL"), everything);
+  p_object->setVelocity(Vector(0, -3));
+  p_object->setDirection(Vector(0.5f, 0.25f));
+  p_object->setPosition(Vector(3.25f, -4));
+  p_object->registerInterest("nuke");
+  p_object->setPath({Vector(3, 4), Vector(5.5f, 4)});
+  EXPECT_EQ(p_object->serialize(),
+            "event_count:1,event_name[0]:nuke,pos-x:3.25,pos-y:-4,x_direction:0.5,y_direction:0."
+            "25,speed:3,path:3 4|5.5 4|,path_index:2,");
+  // Named groups are written whether modified or not; the others keep their
+  // flags. Without its trailing comma the last name matches nothing.
+  p_object->setAltitude(3);
+  EXPECT_EQ(p_object->serialize("SPEED,POSITION,"), "pos-x:3.25,pos-y:-4,speed:3,");
+  EXPECT_EQ(p_object->serialize("ID,ALTITUDE"), "id:" + id + ",");
+  EXPECT_EQ(p_object->serialize(), "altitude:3,");
+  // A copy made from the text of everything matches the original.
   auto* p_source = new Object;
   p_source->setPosition(Vector(12.5f, -3.25f));
   p_source->setAltitude(4);

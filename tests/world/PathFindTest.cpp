@@ -3,18 +3,15 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <limits>
 #include <list>
-#include <memory>
 #include <vector>
 
 #include "extras/Harness.h"
 #include "media/ResourceManager.h"
 #include "media/TextLabel.h"
-#include "support/HeadlessEngine.h"
 #include "support/TestSupport.h"
 #include "world/EventPath.h"
 #include "world/MapLoader.h"
@@ -50,25 +47,6 @@ void makeWall(int x, int y, vt::Solidness solidness = vt::HARD) {
   p_wall->setPosition(Vector(static_cast<float>(x), static_cast<float>(y)));
   p_wall->setSolidness(solidness);
 }
-
-// A headless world of the given size with the path manager running; unless
-// a test says otherwise, a frame lets every search run to its end.
-class PathFindTest : public testing::Test {
- protected:
-  void SetUp() override {
-    startWorld(40, 20);
-    paths.setMinTime(10000);
-  }
-  void TearDown() override {
-    paths.setMinTime(0);
-    paths.shutDown();
-  }
-  void startWorld(float width, float height) {
-    vt::WorldManager::getInstance().setBoundary(vt::Box(Vector(0, 0), width, height));
-    ASSERT_TRUE(paths.isStarted() || paths.startUp() == 0);
-  }
-  std::unique_ptr<test::HeadlessEngine> engine = std::make_unique<test::HeadlessEngine>();
-};
 
 // The cost of a cheapest path from (1, 7) to (28, 7) across a 30 x 15 world
 // (infinity if none): orthogonal steps cost 1, diagonal ones the square root
@@ -109,12 +87,16 @@ class Piece : public Seeker {
   }
 };
 
-class GridTest : public testing::Test {
+// A headless game with the one-cell sprite "cell"; unless a test says
+// otherwise, a frame lets every search run to its end.
+class PathFindTest : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(harness.startUp(), 0);
     ASSERT_EQ(resources.loadSprite(VANTOR_GAME_DIR "/sprites/bullet-spr.txt", "cell"), 0);
+    paths.setMinTime(10000);
   }
+  void TearDown() override { paths.setMinTime(0); }
   // The path once the search the call starts ends; empty without one.
   std::list<Vector> search(Seeker* p_searcher, const std::function<void()>& start_search) {
     p_searcher->statuses.clear();
@@ -132,9 +114,9 @@ TEST_F(PathFindTest, PathsAreCheapestAndEndWithoutAPathWhenThereIsNone) {
   int found = 0, unreachable = 0;
   for (int layout = 0; layout < 40; layout++) {
     SCOPED_TRACE(layout);
-    engine = nullptr;
-    engine = std::make_unique<test::HeadlessEngine>();
-    startWorld(W, H);
+    harness.shutDown();
+    ASSERT_EQ(harness.startUp(), 0);
+    world.setBoundary(vt::Box(Vector(0, 0), W, H));
     std::srand(static_cast<unsigned>(layout));
     // Denser layouts later on, so that some block the way completely; one
     // object in eight is SOFT or SPECTRAL, which never blocks.
@@ -170,6 +152,7 @@ TEST_F(PathFindTest, PathsAreCheapestAndEndWithoutAPathWhenThereIsNone) {
 }
 
 TEST_F(PathFindTest, SearchesOutsideTheWorldOrTooBigFail) {
+  world.setBoundary(vt::Box(Vector(0, 0), 40, 20));
   makeWall(3, 3);
   auto* p_seeker = new Seeker(Vector(3, 4));
   p_seeker->pathTo(Vector(10, 20.5f));
@@ -185,12 +168,12 @@ TEST_F(PathFindTest, SearchesOutsideTheWorldOrTooBigFail) {
   EXPECT_EQ(p_seeker->getPath().size(), 37u);
   p_seeker->pathTo(nullptr);
   // A way too long for the cells a search may reach ends without a path.
-  startWorld(100000, 100000);
+  world.setBoundary(vt::Box(Vector(0, 0), 100000, 100000));
   p_seeker->setPosition(Vector(1, 50000));
   p_seeker->pathTo(Vector(99998, 50000));
   for (int frame = 0; p_seeker->statuses.size() < 3 && frame < 1000; frame++) paths.cycle(0);
   EXPECT_EQ(p_seeker->statuses.back(), vt::PATH_NOT_FOUND);
-  const std::string log = engine->logText();
+  const std::string log = harness.logText();
   for (const char* line :
        {"PathFind::PathFind(): Error! Both start (3.00, 4.00) and end (10.00, 20.50) must be "
         "within world boundary (40, 20).",
@@ -222,10 +205,10 @@ TEST_F(PathFindTest, SearchesEndWithTheirObjectsAndTheManager) {
   paths.shutDown();
   (new Seeker(Vector(1, 1)))->pathTo(Vector(5, 5));
   EXPECT_EQ(paths.getPendingCount(), 0);
-  EXPECT_NE(engine->logText().find("PathManager not started!"), std::string::npos);
+  EXPECT_NE(harness.logText().find("PathManager not started!"), std::string::npos);
 }
 
-TEST_F(GridTest, OnlyBoxesInsideTheirCellsGoAlongOneCellCorridorsAndNoPathLeadsIntoAWall) {
+TEST_F(PathFindTest, OnlyBoxesInsideTheirCellsGoAlongOneCellCorridorsAndNoPathLeadsIntoAWall) {
   for (const bool in_cell : {true, false}) {
     const float row = in_cell ? 5 : 11;
     for (int i = 0; i < 24; i++) new Piece(Vector(i % 12, row + (i < 12 ? -1 : 1)), in_cell);
@@ -253,7 +236,7 @@ TEST_F(GridTest, OnlyBoxesInsideTheirCellsGoAlongOneCellCorridorsAndNoPathLeadsI
   EXPECT_FALSE(paths.isStarted());
 }
 
-TEST_F(GridTest, ACellHoldsWhatReachesInsideItNotWhatTouchesItsEdge) {
+TEST_F(PathFindTest, ACellHoldsWhatReachesInsideItAndMapsBuildCellsOrNothing) {
   // One-cell sprites fill their cells to the edges, and so touch their neighbours.
   auto* p_wall = new Piece(Vector(5, 5), false);
   new Piece(Vector(6, 5), false);
@@ -266,11 +249,7 @@ TEST_F(GridTest, ACellHoldsWhatReachesInsideItNotWhatTouchesItsEdge) {
     const vt::ObjectList found = world.objectsInCell(where);
     EXPECT_EQ(std::vector<vt::Object*>(found.begin(), found.end()), expected) << where.toString();
   }
-}
-
-TEST_F(GridTest, MapsBuildTheirCellsOrFailWithoutBuildingAnything) {
-  // The harness's own folder, removed with it.
-  const std::string folder = std::filesystem::path(harness.getLogFile()).parent_path();
+  // Maps build their cells, or fail without building anything.
   std::string huge;
   for (int row = 0; row < 300; row++) huge += std::string(4000, '#') + "\n";
   const std::vector<std::pair<std::string, std::string>> bad_maps = {
@@ -286,14 +265,15 @@ TEST_F(GridTest, MapsBuildTheirCellsOrFailWithoutBuildingAnything) {
   map.on('P', [&](Vector at) { players.push_back(at); });
   map.on('.', nullptr);
   for (std::size_t i = 0; i < bad_maps.size(); i++) {
-    const std::string file = folder + "/map" + std::to_string(i);
+    // Beside the harness's log, removed with it.
+    const std::string file = harness.getLogFile() + ".map" + std::to_string(i);
     if (i > 0) std::ofstream(file) << bad_maps[i].first;
     EXPECT_EQ(map.load(file), -1);
     EXPECT_TRUE(harness.logContains(bad_maps[i].second)) << bad_maps[i].second;
   }
   EXPECT_TRUE(walls.empty() && players.empty());
-  std::ofstream(folder + "/good") << "#P#\r\n#.#";
-  ASSERT_EQ(map.load(folder + "/good", Vector(10, 3)), 0);
+  std::ofstream(harness.getLogFile() + ".good") << "#P#\r\n#.#";
+  ASSERT_EQ(map.load(harness.getLogFile() + ".good", Vector(10, 3)), 0);
   EXPECT_EQ(walls, (std::vector<Vector>{{10, 3}, {12, 3}, {10, 4}, {12, 4}}));
   EXPECT_EQ(players, std::vector<Vector>{Vector(11, 3)});
   EXPECT_TRUE(map.getColumns() == 3 && map.getRows() == 2);

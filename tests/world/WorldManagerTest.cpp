@@ -92,20 +92,38 @@ TEST(WorldManager, CollisionsFollowSolidness) {
   }
 }
 
-TEST(WorldManager, OneOutEventPerCrossingOfTheBoundary) {
+TEST(WorldManager, OneOutEventPerCrossingOfTheBoundaryAndTheViewFollowsInsideIt) {
   test::HeadlessEngine engine;
   world.setBoundary(Box(Vector(0, 0), 80, 24));
   auto* p_object = makeObject(Vector(78, 5), SPECTRAL);
-  // Out once the box no longer touches the boundary: at x 81, not at 80.
-  const struct {
-    Vector velocity;
-    int steps, out_events;
-  } runs[] = {{{1, 0}, 2, 0}, {{1, 0}, 1, 1}, {{1, 0}, 5, 1}, {{-1, 0}, 8, 1}, {{0, 1}, 30, 2}};
-  for (const auto& run : runs) {
-    p_object->setVelocity(run.velocity);
-    for (int step = 0; step < run.steps; step++) world.update();
-    EXPECT_EQ(p_object->count(OUT_EVENT), run.out_events) << p_object->getPosition().toString();
+  // Out once the box no longer touches the boundary: at x 81, not at 80. The
+  // velocity, the steps it is kept, and the out events by then.
+  const std::tuple<Vector, int, int> runs[] = {
+      {{1, 0}, 2, 0}, {{1, 0}, 1, 1}, {{1, 0}, 5, 1}, {{-1, 0}, 8, 1}, {{0, 1}, 30, 2}};
+  for (const auto& [velocity, steps, out_events] : runs) {
+    p_object->setVelocity(velocity);
+    for (int step = 0; step < steps; step++) world.update();
+    EXPECT_EQ(p_object->count(OUT_EVENT), out_events) << p_object->getPosition().toString();
   }
+  // The view follows outside its slack and stays in the world.
+  world.setBoundary(Box(Vector(0, 0), 200, 100));
+  world.setView(Box(Vector(0, 0), 80, 24));
+  world.setViewSlack(Vector(0.5f, 0.5f));
+  auto* p_hero = makeObject(Vector(100, 50), SPECTRAL);
+  ASSERT_EQ(world.setViewFollowing(p_hero), 0);
+  EXPECT_EQ(world.getView().getCorner(), Vector(60, 38));
+  // The slack zone reaches 20 columns and 6 rows from the view's centre.
+  // Where the hero moves, and the view's corner then.
+  const std::pair<Vector, Vector> moves[] = {
+      {{120, 50}, {60, 38}}, {{125, 50}, {65, 38}},  {{80, 50}, {60, 38}}, {{100, 41}, {60, 35}},
+      {{100, 60}, {60, 42}}, {{199, 99}, {120, 76}}, {{0, 0}, {0, 0}}};
+  for (const auto& [to, corner] : moves) {
+    world.moveObject(p_hero, to);
+    EXPECT_EQ(world.getView().getCorner(), corner) << to.toString();
+  }
+  EXPECT_EQ(world.setViewFollowing(nullptr), 0);
+  world.moveObject(p_hero, Vector(150, 80));
+  EXPECT_EQ(world.getView().getCorner(), Vector(0, 0));
 }
 
 TEST(WorldManager, DeletionWaitsForTheEndOfTheStep) {
@@ -125,29 +143,6 @@ TEST(WorldManager, DeletionWaitsForTheEndOfTheStep) {
   world.update();
   EXPECT_EQ(std::pair(p_late->getPosition(), p_late->count(COLLISION_EVENT)),
             std::pair(Vector(5, 5), 1));
-}
-
-TEST(WorldManager, ViewFollowsOutsideItsSlackAndStaysInTheWorld) {
-  test::HeadlessEngine engine;
-  world.setBoundary(Box(Vector(0, 0), 200, 100));
-  world.setView(Box(Vector(0, 0), 80, 24));
-  world.setViewSlack(Vector(0.5f, 0.5f));
-  auto* p_hero = makeObject(Vector(100, 50), SPECTRAL);
-  ASSERT_EQ(world.setViewFollowing(p_hero), 0);
-  EXPECT_EQ(world.getView().getCorner(), Vector(60, 38));
-  // The slack zone reaches 20 columns and 6 rows from the view's centre.
-  const struct {
-    Vector to, corner;
-  } moves[] = {{{120, 50}, {60, 38}}, {{125, 50}, {65, 38}}, {{80, 50}, {60, 38}},
-               {{100, 41}, {60, 35}}, {{100, 60}, {60, 42}}, {{199, 99}, {120, 76}},
-               {{0, 0}, {0, 0}}};
-  for (const auto& move : moves) {
-    world.moveObject(p_hero, move.to);
-    EXPECT_EQ(world.getView().getCorner(), move.corner) << move.to.toString();
-  }
-  EXPECT_EQ(world.setViewFollowing(nullptr), 0);
-  world.moveObject(p_hero, Vector(150, 80));
-  EXPECT_EQ(world.getView().getCorner(), Vector(0, 0));
 }
 
 TEST(WorldManager, AvoidingMoversSlideAlongWhatTheyHit) {
@@ -200,9 +195,8 @@ TEST(SpatialGrid, AgreesWithABruteForceWalk) {
     const Box query = randomBox();
     const Object* p_ignore = object(std::rand() % 300);
     std::vector<Object*> expected;
-    for (const int i : order) {
+    for (const int i : order)
       if (object(i) != p_ignore && boxIntersectsBox(query, boxes[i])) expected.push_back(object(i));
-    }
     const ObjectList found = grid.query(query, p_ignore);
     ASSERT_EQ(std::vector<Object*>(found.begin(), found.end()), expected) << "round " << round;
   }
