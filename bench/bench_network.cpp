@@ -17,7 +17,7 @@
 #include <thread>
 #include <vector>
 
-#include "MessageReader.h"
+#include "NetworkBench.h"
 #include "core/Clock.h"
 #include "core/Config.h"
 #include "core/GameManager.h"
@@ -91,19 +91,10 @@ void drainClosedConnection(int frame_time) {
 }
 
 void BM_TenThousandMessages(benchmark::State& state) {
-  // Networking on before the start: the engine starts the network manager.
-  vt::Config::getInstance().setNetworking(true);
   vt::Harness harness;
-  if (harness.startUp() != 0) {
-    state.SkipWithError("the engine did not start");
-    return;
-  }
+  const std::string port = startServer(state, harness);
+  if (port.empty()) return;
   vt::NetworkManager& network_manager = vt::NetworkManager::getInstance();
-  if (network_manager.setServer(true, "0") != 0) {
-    state.SkipWithError("cannot listen");
-    return;
-  }
-  const std::string port = network_manager.getServerPort();
   const int frame_time = vt::Config::getInstance().getFrameTime();
   int received = 0;
   std::vector<char> buffer(vt::MAX_MESSAGE_SIZE);

@@ -19,7 +19,7 @@
 #include <thread>
 #include <vector>
 
-#include "MessageReader.h"
+#include "NetworkBench.h"
 #include "core/Clock.h"
 #include "core/Config.h"
 #include "core/GameManager.h"
@@ -102,19 +102,10 @@ int runFrames(const Reading& reading, int frame_time) {
 void BM_FastPeer(benchmark::State& state) {
   const int size = static_cast<int>(state.range(0));
   const int count = static_cast<int>(state.range(1));
-  // Networking on before the start: the engine starts the network manager.
-  vt::Config::getInstance().setNetworking(true);
   vt::Harness harness;
-  if (harness.startUp() != 0) {
-    state.SkipWithError("the engine did not start");
-    return;
-  }
+  const std::string port = startServer(state, harness);
+  if (port.empty()) return;
   vt::NetworkManager& network_manager = vt::NetworkManager::getInstance();
-  if (network_manager.setServer(true, "0") != 0) {
-    state.SkipWithError("cannot listen");
-    return;
-  }
-  const std::string port = network_manager.getServerPort();
   const int frame_time = vt::Config::getInstance().getFrameTime();
   double seconds = 0;
   bool all_in_order = true;
