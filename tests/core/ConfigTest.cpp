@@ -2,7 +2,6 @@
 
 #include <climits>
 #include <cstdlib>
-#include <fstream>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -22,10 +21,9 @@ using vt::Config;
 TEST(Config, EveryKeyIsReadFromTheFileNamedByTheEnvironmentOrATextGiven) {
   test::HeadlessEngine engine;
   Config& config = Config::getInstance();
-  const std::string path = engine.getDirectory() + "/my.cfg";
-  std::ofstream(path) << "# frame_time:99,\r\nframe_time : 16ms,\r\n\nwindow_title:My Game,"
-                      << "window_vertical_chars:99999999999,window_background_color:yellow,";
-  setenv("VANTOR_CONFIG", path.c_str(), 1);
+  test::writeConfig(
+      "# frame_time:99,\r\nframe_time : 16ms,\r\n\nwindow_title:My Game,"
+      "window_vertical_chars:99999999999,window_background_color:yellow,");
   ASSERT_EQ(config.loadConfig(), 0);
   EXPECT_EQ(config.getFrameTime(), 16);
   EXPECT_EQ(config.getWindowVerticalChars(), INT_MAX);
@@ -99,8 +97,7 @@ TEST(Config, ProblemsOfTheFileAreNamedWithTheirLinesAtStartUp) {
   };
   std::string text;
   for (const auto& [line, problem] : LINES) text += line + "\n";
-  std::ofstream(directory + "/vt-config.txt") << text;
-  setenv("VANTOR_CONFIG", (directory + "/vt-config.txt").c_str(), 1);
+  const std::string config_file = test::writeConfig(text);
   testing::internal::CaptureStderr();
   ASSERT_EQ(vt::GameManager::getInstance().startUp(), 0);
   const std::string said = testing::internal::GetCapturedStderr();
@@ -114,7 +111,7 @@ TEST(Config, ProblemsOfTheFileAreNamedWithTheirLinesAtStartUp) {
   std::string expected_said;
   for (std::size_t i = 0; i < LINES.size(); i++) {
     if (LINES[i].second.empty()) continue;
-    const std::string problem = directory + "/vt-config.txt line " + std::to_string(i + 1) + " ('" +
+    const std::string problem = config_file + " line " + std::to_string(i + 1) + " ('" +
                                 LINES[i].first + "'): " + LINES[i].second;
     EXPECT_NE(log.find(" Config::loadConfig(): Warning! " + problem + "\n"), std::string::npos)
         << problem;
@@ -127,7 +124,6 @@ TEST(Config, ProblemsOfTheFileAreNamedWithTheirLinesAtStartUp) {
 // The log level comes from the file's log_level or, before it, from
 // VANTOR_LOG_LEVEL: level 1 shows the configuration block.
 TEST(Config, TheLogLevelIsSetByTheFileAndTheEnvironmentWins) {
-  const std::string directory = test::makeTempDir();
   // The file's setting, VANTOR_LOG_LEVEL (nullptr: unset), whether the
   // configuration block is shown, and what is said on standard error.
   const std::tuple<const char*, const char*, bool, const char*> CASES[] = {
@@ -139,8 +135,7 @@ TEST(Config, TheLogLevelIsSetByTheFileAndTheEnvironmentWins) {
   };
   for (const auto& [setting, environment, block_shown, said] : CASES) {
     SCOPED_TRACE(std::string(setting) + (environment ? environment : "-"));
-    std::ofstream(directory + "/vt-config.txt") << setting << "\n";
-    setenv("VANTOR_CONFIG", (directory + "/vt-config.txt").c_str(), 1);
+    test::writeConfig(std::string(setting) + "\n");
     environment ? setenv("VANTOR_LOG_LEVEL", environment, 1) : unsetenv("VANTOR_LOG_LEVEL");
     testing::internal::CaptureStderr();
     vt::Harness harness;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <regex>
 #include <sstream>
@@ -22,32 +21,25 @@
 TEST(FrameStats, F12ShowsTheLastStepOnTheTopLineOverEverything) {
   vt::Harness harness;
   ASSERT_EQ(harness.startUp(), 0);
-  const auto topRow = [&harness] {
-    std::istringstream frame(harness.frameText());
-    std::string line;
-    for (int i = 0; i < 3; i++) std::getline(frame, line);
-    return line;
-  };
   (new vt::ViewObject)->setLocation(vt::TOP_LEFT);
-  auto* p_game = new test::RecordingObject;
-  p_game->registerInterest(vt::KEYBOARD_EVENT);
+  auto* p_game = new test::RecordingObject({vt::KEYBOARD_EVENT});
   std::vector<bool> shown_at_press;
   p_game->on_event = [&](const vt::Event* p_event) {
     if (static_cast<const vt::EventKeyboard*>(p_event)->getKeyboardAction() == vt::KEY_PRESSED)
       shown_at_press.push_back(vt::FrameStats::getInstance().isOverlayShown());
   };
   harness.step();
-  const std::string world_row = topRow();
+  const std::string world_row = test::frameRow(harness, 0);
   harness.pressKey(vt::Keyboard::F12);
   harness.step();
   const std::regex overlay(
       "events [0-9.]+ input [0-9.]+ net [0-9.]+ update [0-9.]+ draw [0-9.]+ paths [0-9.]+ "
       "sleep [0-9.]+ objs 2 *\\|");
-  EXPECT_TRUE(std::regex_match(topRow(), overlay)) << topRow();
+  EXPECT_TRUE(std::regex_match(test::frameRow(harness, 0), overlay)) << test::frameRow(harness, 0);
   harness.step(vt::KEY_PRESS_STEPS);
   harness.pressKey(vt::Keyboard::F12);
   harness.step();
-  EXPECT_EQ(topRow(), world_row);
+  EXPECT_EQ(test::frameRow(harness, 0), world_row);
   EXPECT_EQ(shown_at_press, (std::vector<bool>{true, false}));
 }
 
@@ -98,5 +90,4 @@ TEST(FrameStats, VantorStatsWritesARowPerStepOfTheLoop) {
   EXPECT_EQ(harness.step(2), 2);
   EXPECT_TRUE(harness.logContains("Cannot write the frame stats to"));
   unsetenv("VANTOR_STATS");
-  std::filesystem::remove_all(folder);
 }

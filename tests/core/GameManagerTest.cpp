@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 #include <thread>
 
 #include "core/GameManager.h"
@@ -21,11 +20,9 @@ namespace {
 struct GameManagerTest : testing::Test {
   ~GameManagerTest() override { test::restoreEngineSettings(); }
   void startWith(const std::string& settings) {
-    std::ofstream(directory + "/config.txt") << settings;
-    setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
+    test::writeConfig(settings);
     ASSERT_EQ(harness.startUp(), 0);
   }
-  const std::string directory = test::makeTempDir();
   vt::Harness harness;
 };
 

@@ -1,31 +1,24 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "core/Config.h"
 #include "core/GameManager.h"
-#include "core/LogManager.h"
 #include "extras/Harness.h"
 #include "extras/Particle.h"
 #include "extras/Particles.h"
 #include "extras/Pause.h"
 #include "extras/Timers.h"
-#include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/EventMouse.h"
 #include "media/InputActions.h"
-#include "media/InputManager.h"
 #include "media/ViewObject.h"
+#include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
-#include "support/TestSupport.h"
 #include "world/WorldManager.h"
 
 using vt::Vector;
@@ -35,52 +28,11 @@ namespace {
 
 vt::GameManager& game = vt::GameManager::getInstance();
 
-vt::EventKeyboard keyEvent(int key) {
-  vt::EventKeyboard event;
-  event.setKey(key);
-  event.setKeyboardAction(vt::KEY_PRESSED);
-  return event;
-}
-
 int countOf(const std::string& type) {
   return WorldManager::getInstance().objectsOfType(type).getCount();
 }
 
 }  // namespace
-
-// With a window the game is held inside the pause key's handler until a key
-// is pressed there; other keys go through at once. Without one the game goes
-// on (the recording below runs through the pause key).
-TEST(Pause, ItsKeyHoldsTheGameUntilTheNextKeyPress) {
-  // A process of its own: one window in a process, and one X server.
-  const pid_t child = fork();
-  if (child == 0) {
-    [] {
-      ASSERT_TRUE(vt::test::startProcessXvfb());
-      vt::test::TestConfig config(false);
-      vt::LogManager::getInstance().setLogLevel(1);
-      vt::InputManager& input = vt::InputManager::getInstance();
-      ASSERT_EQ(WorldManager::getInstance().startUp() +
-                    vt::DisplayManager::getInstance().startUp() + input.startUp(),
-                0);
-      new vt::Pause(vt::Keyboard::F10);
-      const std::string sent = config.folder() + "/sent", window = "xdotool search --name Vantor ";
-      ASSERT_EQ(std::system((window + "windowfocus --sync").c_str()), 0);
-      input.queueEvent(keyEvent(vt::Keyboard::P));
-      input.getInput();
-      EXPECT_EQ(config.logText().find("Game paused."), std::string::npos);
-      ASSERT_EQ(std::system(("(sleep 0.3; touch " + sent + "; " + window + "key a) &").c_str()), 0);
-      input.queueEvent(keyEvent(vt::Keyboard::F10));
-      input.getInput();
-      EXPECT_TRUE(std::filesystem::exists(sent));
-      EXPECT_NE(config.logText().find("Game resumed."), std::string::npos);
-    }();
-    _exit(testing::Test::HasFailure() ? 1 : 0);
-  }
-  int status = -1;
-  waitpid(child, &status, 0);
-  EXPECT_EQ(status, 0);
-}
 
 // The pause's message is drawn in the centre of the screen in the step its
 // key comes in; a replay, which does not wait, shows it in that step's
@@ -97,12 +49,6 @@ TEST(Pause, ItsMessageIsShownInTheCentreOfTheScreen) {
   harness.step(2);
   ASSERT_EQ(harness.finishReplay(), 0);
   EXPECT_TRUE(harness.logContains("Cannot pause"));
-  const auto centreRow = [](const vt::Harness& harness) {
-    std::istringstream frame(harness.frameText());
-    std::string row;
-    for (int i = 0; i < 2 + 12; i++) std::getline(frame, row);
-    return std::getline(frame, row) ? row : "";
-  };
   const std::string blank(80, ' ');
   for (const std::string message : {"", "Paused: any key resumes"}) {
     SCOPED_TRACE(message);
@@ -114,7 +60,7 @@ TEST(Pause, ItsMessageIsShownInTheCentreOfTheScreen) {
     shown.replace(40 - message.size() / 2, message.size(), message);
     for (const std::string& expected : {blank, shown, blank}) {
       harness.step();
-      EXPECT_EQ(centreRow(harness), expected + "|");
+      EXPECT_EQ(test::frameRow(harness, 12), expected + "|");
     }
     EXPECT_EQ(harness.finishReplay(), 0) << harness.replayFailure();
   }
@@ -226,8 +172,7 @@ TEST(Timers, RunInTheStepTheyAreDueWhoeverSetsThemUntilCancelled) {
   // Set in step 2 by step handlers that run before and after the timers' own.
   vt::Timers* p_timers = nullptr;
   const auto setInStep2 = [&](const char* name) {
-    auto* p_setter = new test::RecordingObject;
-    p_setter->registerInterest(vt::STEP_EVENT);
+    auto* p_setter = new test::RecordingObject({vt::STEP_EVENT});
     p_setter->on_event = [&, name](const vt::Event*) {
       if (game.getStepCount() == 2) p_timers->after(3, note(name));
     };

@@ -57,8 +57,7 @@ class NetworkManagerTest : public testing::Test {
   NetworkManagerTest() {
     Config::getInstance().setNetworking(true);
     network_manager.startUp();
-    auto* p_listener = new test::RecordingObject;
-    EXPECT_EQ(p_listener->registerInterest(NETWORK_EVENT), 0);
+    auto* p_listener = new test::RecordingObject({NETWORK_EVENT});
     p_listener->on_event = [this](const Event* p_event) {
       const auto& event = dynamic_cast<const EventNetwork&>(*p_event);
       events.emplace_back(event.getLabel(), event.getSocketIndex());

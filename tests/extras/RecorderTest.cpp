@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <tuple>
@@ -65,7 +64,6 @@ Vector walkerPosition() {
 
 class RecorderTest : public testing::Test {
  protected:
-  ~RecorderTest() override { std::filesystem::remove_all(folder); }
   // Records the session with a walker of stride 1; returns where it ended.
   Vector recordSession() {
     vt::Harness harness;

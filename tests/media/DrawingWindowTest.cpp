@@ -12,6 +12,7 @@
 #include "media/Frame.h"
 #include "media/ResourceManager.h"
 #include "media/Shape.h"
+#include "media/TextLabel.h"
 #include "media/ViewObject.h"
 #include "support/TestSupport.h"
 #include "world/WorldManager.h"
@@ -85,7 +86,7 @@ class DrawingWindowTest : public ::testing::Test {
     return inkBounds(showAndCapture());
   }
 
-  vt::test::TestConfig config{false};
+  test::HeadlessEngine config{test::HeadlessEngine::LOG_ONLY, false};
   vt::WorldManager& world = vt::WorldManager::getInstance();
   vt::DisplayManager& display = vt::DisplayManager::getInstance();
 };
@@ -103,12 +104,12 @@ TEST_F(DrawingWindowTest, OpensACentredWindowAndNeedsItsFont) {
   display.swapBuffers();
   EXPECT_EQ(showAndCapture().getPixel(500, 300), sf::Color::Blue);
   display.shutDown();
-  vt::Config::getInstance().setFontFile(config.folder() + "/missing.ttf");
+  vt::Config::getInstance().setFontFile(config.getDirectory() + "/missing.ttf");
   EXPECT_EQ(display.startUp(), -1);
   EXPECT_FALSE(display.isStarted() || display.getWindow());
 }
 
-TEST_F(DrawingWindowTest, StringsFramesSpritesAndViewObjectsLandOnTheirCells) {
+TEST_F(DrawingWindowTest, StringsFramesSpritesLabelsAndViewObjectsLandOnTheirCells) {
   for (const auto& [justification, text, left] : {std::tuple(vt::LEFT_JUSTIFIED, "ABCD", 40.0f),
                                                   {vt::CENTER_JUSTIFIED, "ABCD", 38.0f},
                                                   {vt::CENTER_JUSTIFIED, "ABCDE", 38.0f},
@@ -122,17 +123,35 @@ TEST_F(DrawingWindowTest, StringsFramesSpritesAndViewObjectsLandOnTheirCells) {
   vt::Frame(3, 1, "a.b").draw(Vector(9, 9), vt::RED, 0);
   expectShownAs(cells(8, 9, "a.b", vt::RED), "frame without transparency");
   // Objects show their sprite's frame in its colour, transparent cells left out.
-  ASSERT_EQ(vt::ResourceManager::getInstance().startUp(), 0);
+  vt::ResourceManager& resources = vt::ResourceManager::getInstance();
+  ASSERT_EQ(resources.startUp(), 0);
   const std::string sprite = config.writeFile(
       "sprite.txt",
       "<HEADER>\nframes 1\nwidth 3\nheight 2\ncolor green\ntransparency #\n</HEADER>\n"
       "<BODY>\n(o)\n#_#\nend\n</BODY>\n<FOOTER>\nversion 1\n</FOOTER>\n");
-  ASSERT_EQ(vt::ResourceManager::getInstance().loadSprite(sprite, "s"), 0);
+  ASSERT_EQ(resources.loadSprite(sprite, "s"), 0);
   auto* p_object = new vt::Object;
   EXPECT_EQ(p_object->setSprite("s"), 0);
   p_object->setPosition(Vector(30, 10));
   expectShownAs(cells(30, 10.5f, "_", vt::GREEN, cells(29, 9.5f, "(o)", vt::GREEN)), "sprite");
+  // An even width puts a sprite's characters on half cells; snapped, they and a label's land on
+  // whole cells and keep their positions (in a window: elsewhere cells are rounded anyway).
+  ASSERT_EQ(resources.loadSprite(config.writeFile("ab.txt", "1\n2\n1\n0\nwhite\nAB\n"), "ab"), 0);
+  p_object->setSprite("ab");
+  p_object->setPosition(Vector(20.3f, 5.4f));
+  auto* p_label = new vt::TextLabel(Vector(30.6f, 7.2f), "CD", vt::GREEN);
+  for (const bool snap : {false, true}) {
+    p_object->setSnapToCell(snap);
+    p_label->setSnapToCell(snap);
+    world.draw();
+    const sf::Image drawn = showAndCapture();
+    display.drawString(Vector(20, 5), "AB", vt::LEFT_JUSTIFIED, vt::WHITE);
+    display.drawString(Vector(31, 7), "CD", vt::LEFT_JUSTIFIED, vt::GREEN);
+    EXPECT_EQ(vt::test::countDifferentPixels(drawn, showAndCapture()) == 0, snap);
+  }
+  EXPECT_EQ(p_object->getPosition(), Vector(20.3f, 5.4f));
   world.markForDelete(p_object);
+  world.markForDelete(p_label);
   world.update();
   // A view object stays put on the screen when the view moves.
   auto* p_view = new vt::ViewObject;

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "core/Config.h"
 #include "core/GameManager.h"
 #include "core/LogManager.h"
+#include "extras/Pause.h"
 #include "extras/Recorder.h"
 #include "media/DisplayManager.h"
 #include "media/InputManager.h"
@@ -52,6 +52,13 @@ int xdotool(const std::string& arguments) {
   return status;
 }
 
+vt::EventKeyboard keyEvent(int key) {
+  vt::EventKeyboard event;
+  event.setKey(key);
+  event.setKeyboardAction(vt::KEY_PRESSED);
+  return event;
+}
+
 // What a window manager sends when the window's close button is pressed: a
 // WM_PROTOCOLS client message naming WM_DELETE_WINDOW, sent to the client
 // that made the window. Sent on a connection of its own, which is then
@@ -72,6 +79,27 @@ bool sendCloseRequest(sf::WindowHandle window) {
   return sent;
 }
 
+// A window titled TITLE, which has the focus, with the world and the input
+// manager; the log in a temporary folder.
+class InputWindow : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(vt::test::startProcessXvfb());
+    vt::Config::getInstance().setWindowTitle(TITLE);
+    ASSERT_EQ(vt::DisplayManager::getInstance().startUp(), 0);
+    ASSERT_EQ(vt::WorldManager::getInstance().startUp(), 0);
+    ASSERT_EQ(input.startUp(), 0);
+    ASSERT_EQ(xdotool("search --name " + TITLE + " windowfocus --sync"), 0);
+  }
+  void TearDown() override {
+    input.shutDown();
+    vt::WorldManager::getInstance().shutDown();
+    vt::DisplayManager::getInstance().shutDown();
+  }
+  test::HeadlessEngine log{test::HeadlessEngine::LOG_ONLY, false};
+  InputManager& input = InputManager::getInstance();
+};
+
 }  // namespace
 
 // The whole engine with a window, started by the game manager from a
@@ -79,10 +107,8 @@ bool sendCloseRequest(sf::WindowHandle window) {
 TEST(WindowedGame, CloseRequestFromTheServerEndsTheGameAndIsRecorded) {
   ASSERT_TRUE(vt::test::startProcessXvfb());
   const std::string directory = test::makeTempDir();
-  std::ofstream(directory + "/config.txt")
-      << "font_file:" << VANTOR_FONT_PATH << ",\nlogfile:" << directory << "/vantor.log,\n"
-      << "window_title:" << TITLE << ",\n";
-  setenv("VANTOR_CONFIG", (directory + "/config.txt").c_str(), 1);
+  test::writeConfig("font_file:" VANTOR_FONT_PATH ",\nlogfile:" + directory +
+                    "/vantor.log,\nwindow_title:" + TITLE + ",\n");
   unsetenv("VANTOR_LOG");
   vt::GameManager& game_manager = vt::GameManager::getInstance();
   ASSERT_EQ(game_manager.startUp(), 0);
@@ -119,20 +145,10 @@ TEST(WindowedGame, CloseRequestFromTheServerEndsTheGameAndIsRecorded) {
   EXPECT_EQ(vt::Recorder::getInstance().stop(), 0) << vt::Recorder::getInstance().getFailure();
   game_manager.shutDown();
   test::restoreEngineSettings();
-  std::filesystem::remove_all(directory);
 }
 
-TEST(InputWindow, KeysAndMouseArriveStepByStep) {
-  ASSERT_TRUE(vt::test::startProcessXvfb());
-  vt::test::TestConfig config(false);
-  vt::Config::getInstance().setWindowTitle(TITLE);
-  ASSERT_EQ(vt::DisplayManager::getInstance().startUp(), 0);
-  ASSERT_EQ(vt::WorldManager::getInstance().startUp(), 0);
-  ASSERT_EQ(InputManager::getInstance().startUp(), 0);
-  auto* p_recorder = new test::RecordingObject;
-  ASSERT_EQ(p_recorder->registerInterest(vt::KEYBOARD_EVENT), 0);
-  ASSERT_EQ(p_recorder->registerInterest(vt::MOUSE_EVENT), 0);
-  ASSERT_EQ(xdotool("search --name " + TITLE + " windowfocus --sync"), 0);
+TEST_F(InputWindow, KeysAndMouseArriveStepByStep) {
+  auto* p_recorder = new test::RecordingObject({vt::KEYBOARD_EVENT, vt::MOUSE_EVENT});
   const std::string on_window = "search --name " + TITLE + " mousemove --window %1 ";
   const auto at = [](int action, int button) { return mouse(action, button, 5, 3); };
   const std::string left_held = at(vt::PRESSED, vt::Mouse::LEFT);
@@ -154,15 +170,34 @@ TEST(InputWindow, KeysAndMouseArriveStepByStep) {
       {"mouseup 3 mouseup 1 mousedown 2",
        {at(vt::CLICKED, vt::Mouse::MIDDLE), at(vt::PRESSED, vt::Mouse::MIDDLE)}},
       {"mouseup 2 " + on_window + "640 400", {mouse(vt::MOVED, no_button, 50, 12.5f)}}};
-  for (const auto& [input, events] : rounds) {
-    ASSERT_EQ(input.empty() ? 0 : xdotool(input), 0);
+  for (const auto& [typed, events] : rounds) {
+    ASSERT_EQ(typed.empty() ? 0 : xdotool(typed), 0);
     p_recorder->seen.clear();
-    InputManager::getInstance().getInput();
-    EXPECT_EQ(p_recorder->seen, events) << input;
+    input.getInput();
+    EXPECT_EQ(p_recorder->seen, events) << typed;
   }
-  InputManager::getInstance().shutDown();
-  vt::WorldManager::getInstance().shutDown();
-  vt::DisplayManager::getInstance().shutDown();
+}
+
+// The game is held inside the pause key's handler until a key is pressed in
+// the window; other keys go through at once. (Without a window the game goes
+// on: see Pause.ItsMessageIsShownInTheCentreOfTheScreen.)
+TEST_F(InputWindow, ThePauseKeyHoldsTheGameUntilTheNextKeyPress) {
+  vt::LogManager::getInstance().setLogLevel(1);
+  new vt::Pause(K::F10);
+  input.queueEvent(keyEvent(K::P));
+  input.getInput();
+  EXPECT_EQ(log.logText().find("Game paused."), std::string::npos);
+  const std::string sent = log.getDirectory() + "/sent";
+  // Typed into the window, which has the focus, once the file says the game was held.
+  const std::string typed =
+      "(sleep 0.3; touch " + sent + "; xdotool key a; touch " + sent + ".a) &";
+  ASSERT_EQ(std::system(typed.c_str()), 0);
+  input.queueEvent(keyEvent(K::F10));
+  input.getInput();
+  EXPECT_TRUE(std::filesystem::exists(sent));
+  EXPECT_NE(log.logText().find("Game resumed."), std::string::npos);
+  // The key is up again before the window goes: no later test finds it held.
+  EXPECT_TRUE(test::waitFor([&] { return std::filesystem::exists(sent + ".a"); }));
 }
 
 // Engine codes 0 to 72 go, in order, to these keys, F1 to F12, A to Z, 1 to 9,

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <SFML/Audio.hpp>
+#include <cmath>
+#include <cstdint>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -19,7 +21,28 @@ using namespace std::string_literals;
 
 namespace {
 
-using test::littleEndian, test::wavBytes, test::waitFor;
+using test::waitFor;
+
+// The value's count lowest bytes, lowest first.
+std::string littleEndian(unsigned long value, int count) {
+  std::string bytes;
+  for (int i = 0; i < count; i++) bytes.push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
+  return bytes;
+}
+
+// A 16-bit mono 8 kHz PCM WAV of a tone whose header claims claimed_count
+// samples (sample_count when negative).
+std::string wavBytes(int sample_count, long claimed_count = -1) {
+  const unsigned long data_bytes = 2 * (claimed_count < 0 ? sample_count : claimed_count);
+  std::string bytes = "RIFF" + littleEndian(36 + data_bytes, 4) + "WAVEfmt " + littleEndian(16, 4) +
+                      littleEndian(1, 2) + littleEndian(1, 2) + littleEndian(8000, 4) +
+                      littleEndian(16000, 4) + littleEndian(2, 2) + littleEndian(16, 2) + "data" +
+                      littleEndian(data_bytes, 4);
+  for (int i = 0; i < sample_count; i++) {
+    bytes += littleEndian(static_cast<std::uint16_t>(std::lround(8000 * std::sin(i * 0.3))), 2);
+  }
+  return bytes;
+}
 
 // The bytes with part written over them from offset at.
 std::string with(std::string bytes, std::size_t at, const std::string& part) {

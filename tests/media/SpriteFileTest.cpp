@@ -116,12 +116,16 @@ const std::pair<std::string, Lines> REFUSED[] = {
 
 TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
   test::HeadlessEngine engine(test::HeadlessEngine::WORLD_AND_RESOURCES);
-  ASSERT_EQ(engine.loadSpriteText("keep", "2\n3\n1\n2\ncyan\nabc\ndef\n"), 0);
+  ASSERT_EQ(rm.loadSprite(engine.writeFile("keep.txt", "2\n3\n1\n2\ncyan\nabc\ndef\n"), "keep"), 0);
+  // Loads the text as sprite s: what it logs, after the line naming the file, and what it loads.
   const auto load = [&](const std::string& text, Lines log, const std::string& sprite) {
     SCOPED_TRACE(text.substr(0, 80));
+    const std::string path = engine.writeFile("s.txt", text);
+    log.insert(log.begin(), "RM::loadSprite(): Loading sprite '" + path + "'.");
     if (sprite.empty()) log.push_back("RM::loadSprite(): Sprite 's' NOT loaded.");
-    EXPECT_EQ(engine.loadSpriteText("s", text), sprite.empty() ? -1 : 0);
-    EXPECT_EQ(engine.lastLoadLog(), log);
+    engine.newLogLines();
+    EXPECT_EQ(rm.loadSprite(path, "s"), sprite.empty() ? -1 : 0);
+    EXPECT_EQ(engine.newLogLines(), log);
     EXPECT_EQ(rm.getSprite("s") ? describe(*rm.getSprite("s")) : "", sprite);
     EXPECT_EQ(rm.getSprite("keep")->getFrame(1).getString(), "def");
     rm.unloadSprite("s");
@@ -137,17 +141,15 @@ TEST(SpriteFile, EachFileLoadsAsItsSpriteOrIsRefusedWithItsMessages) {
   for (const auto& [text, log] : REFUSED) load(text, log, "");
   // From log level 5 on the header is summed up; from 15 on the frames are written out too.
   vt::LogManager::getInstance().setLogLevel(15);
-  ASSERT_EQ(engine.loadSpriteText("s", robust({"frames 2", "width 1", "height 2", "transparency #"},
-                                              {"a", "b", "end", "c", "d", "end"})),
-            0);
-  EXPECT_EQ(
-      engine.lastLoadLog(),
-      (Lines{"RM::loadSprite(): assuming robust sprite file format.",
-             "RM::loadRobustSprite(): Warning! No 'color' in header.",
-             "RM::loadRobustSprite(): Warning! No 'slowdown' in header.", "\t      Frames: 2",
-             "\t       Width: 1", "\t      Height: 2", "\t    Slowdown: 0", "\tTransparency: #",
-             "\t       Color: default", "RM::loadSprite(): Sprite 's' frames:", "\tFrame 1:", "\ta",
-             "\tb", "\tFrame 2:", "\tc", "\td", "RM::loadSprite(): Sprite 's' loaded."}));
+  load(robust({"frames 2", "width 1", "height 2", "transparency #"},
+              {"a", "b", "end", "c", "d", "end"}),
+       {"RM::loadSprite(): assuming robust sprite file format.",
+        "RM::loadRobustSprite(): Warning! No 'color' in header.",
+        "RM::loadRobustSprite(): Warning! No 'slowdown' in header.", "\t      Frames: 2",
+        "\t       Width: 1", "\t      Height: 2", "\t    Slowdown: 0", "\tTransparency: #",
+        "\t       Color: default", "RM::loadSprite(): Sprite 's' frames:", "\tFrame 1:", "\ta",
+        "\tb", "\tFrame 2:", "\tc", "\td", "RM::loadSprite(): Sprite 's' loaded."},
+       "1x2 s0 c7 t#: ab cd");
 }
 
 TEST(SpriteFile, SpritesByLabelUpToAThousandAndOnObjects) {

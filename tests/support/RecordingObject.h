@@ -17,6 +17,10 @@ namespace test {
 // from its handler.
 class RecordingObject : public vt::Object {
  public:
+  // Registered for the event types given.
+  explicit RecordingObject(std::initializer_list<std::string> interests = {}) {
+    for (const std::string& type : interests) registerInterest(type);
+  }
   int eventHandler(const vt::Event* p_event) override {
     received.push_back(p_event->getType());
     if (p_event->getType() == vt::STEP_EVENT) {
@@ -49,8 +53,7 @@ class RecordingObject : public vt::Object {
   // One registered for steps that calls on_step with each step's number and
   // sets game over at last_step.
   static RecordingObject* untilStep(int last_step, std::function<void(int)> on_step = {}) {
-    auto* p_object = new RecordingObject;
-    p_object->registerInterest(vt::STEP_EVENT);
+    auto* p_object = new RecordingObject({vt::STEP_EVENT});
     p_object->on_event = [=](const vt::Event*) {
       if (on_step) on_step(p_object->steps.back());
       if (p_object->steps.back() == last_step) vt::GameManager::getInstance().setGameOver();

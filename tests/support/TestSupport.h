@@ -1,7 +1,6 @@
 #pragma once
 
 #include <SFML/Graphics.hpp>
-#include <string>
 
 #include "support/HeadlessEngine.h"
 
@@ -11,12 +10,6 @@ namespace vt::test {
 // first use and points DISPLAY at it; false when it could not start. Call
 // before any SFML window; the first call chooses the screen.
 bool startProcessXvfb(const char* screen = "1280x1024x24");
-
-// The log of a test that opens a window (see test::HeadlessEngine).
-struct TestConfig : ::test::HeadlessEngine {
-  explicit TestConfig(bool headless) : HeadlessEngine(LOG_ONLY, headless) {}
-  const std::string& folder() const { return getDirectory(); }
-};
 
 // What the X server shows of the window after its last buffer swap.
 sf::Image captureWindow(const sf::Window& window);

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <sstream>
 
 namespace test {
@@ -28,11 +27,6 @@ TmuxSession::TmuxSession(const std::string& command, int columns, int rows)
   const std::string script = command + "; echo $? > " + folder + "/status; sleep 600";
   running = succeeds("new-session -d -s " + name + " -x " + std::to_string(columns) + " -y " +
                      std::to_string(rows) + " " + quoted("sh -c " + quoted(script)));
-}
-
-TmuxSession::~TmuxSession() {
-  succeeds("kill-server");
-  std::filesystem::remove_all(folder);
 }
 
 std::string TmuxSession::tmux(const std::string& arguments) const {

@@ -15,7 +15,7 @@ class TmuxSession {
   // command's exit status is written to statusFile(); the pane stays open
   // after it ends, so its modes can still be read.
   TmuxSession(const std::string& command, int columns, int rows);
-  ~TmuxSession();
+  ~TmuxSession() { succeeds("kill-server"); }
   TmuxSession(const TmuxSession&) = delete;
   TmuxSession& operator=(const TmuxSession&) = delete;
 

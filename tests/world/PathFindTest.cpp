@@ -11,8 +11,6 @@
 
 #include "extras/Harness.h"
 #include "media/ResourceManager.h"
-#include "media/TextLabel.h"
-#include "support/TestSupport.h"
 #include "world/EventPath.h"
 #include "world/MapLoader.h"
 #include "world/PathManager.h"
@@ -277,36 +275,4 @@ TEST_F(PathFindTest, ACellHoldsWhatReachesInsideItAndMapsBuildCellsOrNothing) {
   EXPECT_EQ(walls, (std::vector<Vector>{{10, 3}, {12, 3}, {10, 4}, {12, 4}}));
   EXPECT_EQ(players, std::vector<Vector>{Vector(11, 3)});
   EXPECT_TRUE(map.getColumns() == 3 && map.getRows() == 2);
-}
-
-// Snapping shows only in a window: elsewhere characters count for their nearest cell anyway.
-TEST(SnapToCell, SnappedSpritesAndLabelsAreDrawnOnWholeCellsAndKeepTheirPositions) {
-  ASSERT_TRUE(vt::test::startProcessXvfb());
-  vt::test::TestConfig config(false);
-  vt::DisplayManager& display = vt::DisplayManager::getInstance();
-  ASSERT_EQ(world.startUp() + display.startUp() + resources.startUp(), 0);
-  world.setView(vt::Box(Vector(0, 0), 80, 24));
-  ASSERT_EQ(resources.loadSprite(config.writeFile("ab.txt", "1\n2\n1\n0\nwhite\nAB\n"), "ab"), 0);
-  const auto shown = [&] {
-    display.swapBuffers();
-    return vt::test::captureWindow(*display.getWindow());
-  };
-  // An even width puts a sprite's characters on half cells.
-  auto* p_sprite = new vt::Object;
-  p_sprite->setSprite("ab");
-  p_sprite->setPosition(Vector(20.3f, 5.4f));
-  auto* p_label = new vt::TextLabel(Vector(30.6f, 7.2f), "CD", vt::GREEN);
-  for (const bool snap : {false, true}) {
-    p_sprite->setSnapToCell(snap);
-    p_label->setSnapToCell(snap);
-    world.draw();
-    const sf::Image drawn = shown();
-    display.drawString(Vector(20, 5), "AB", vt::LEFT_JUSTIFIED, vt::WHITE);
-    display.drawString(Vector(31, 7), "CD", vt::LEFT_JUSTIFIED, vt::GREEN);
-    EXPECT_EQ(vt::test::countDifferentPixels(drawn, shown()) == 0, snap);
-  }
-  EXPECT_EQ(p_sprite->getPosition(), Vector(20.3f, 5.4f));
-  world.shutDown();
-  resources.shutDown();
-  display.shutDown();
 }
