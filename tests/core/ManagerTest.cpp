@@ -1,7 +1,14 @@
 #include <gtest/gtest.h>
 
+#include "core/GameManager.h"
+#include "core/LogManager.h"
+#include "extras/NetworkManager.h"
+#include "media/DisplayManager.h"
+#include "media/InputManager.h"
+#include "media/ResourceManager.h"
 #include "support/HeadlessEngine.h"
 #include "support/RecordingObject.h"
+#include "world/PathManager.h"
 #include "world/WorldManager.h"
 
 using test::RecordingObject;
@@ -52,4 +59,35 @@ TEST(Manager, DeliversInOrderToActiveObjectsOfUpTo100TypesItAccepts) {
   EXPECT_EQ(deliver(types, "type0"), 0);
   // A manager takes interests only in the events it delivers.
   EXPECT_EQ(vt::WorldManager::getInstance().registerInterest(p_object, vt::STEP_EVENT), -1);
+}
+
+// A manager started twice refuses the second start; calls that need a
+// started manager refuse before it starts, each with its failure result.
+TEST(Manager, AStartTooManyOrACallBeforeTheStartIsRefused) {
+  vt::Harness harness;
+  ASSERT_EQ(harness.startUp(), 0);
+  vt::NetworkManager& network = vt::NetworkManager::getInstance();
+  ASSERT_EQ(network.startUp(), 0) << "started only for games that network";
+  vt::Manager* const MANAGERS[] = {
+      &vt::LogManager::getInstance(),   &vt::DisplayManager::getInstance(),
+      &vt::InputManager::getInstance(), &vt::ResourceManager::getInstance(),
+      &vt::WorldManager::getInstance(), &vt::PathManager::getInstance(),
+      &vt::GameManager::getInstance(),  &network};
+  for (vt::Manager* p_manager : MANAGERS)
+    EXPECT_EQ(p_manager->startUp(), -1) << p_manager->getType();
+  harness.shutDown();
+  network.shutDown();
+  vt::ResourceManager& resources = vt::ResourceManager::getInstance();
+  vt::PathManager& paths = vt::PathManager::getInstance();
+  const int REFUSED[][2] = {{resources.loadSprite("sprites/ship.txt", "ship"), -1},
+                            {resources.unloadSprite("ship"), -1},
+                            {resources.loadSound("sounds/fire.wav", "fire"), -1},
+                            {resources.unloadSound("fire"), -1},
+                            {resources.loadMusic("sounds/tune.wav", "tune"), -1},
+                            {resources.unloadMusic("tune"), -1},
+                            {paths.cycle(10), 0},
+                            {paths.cycleTurns(10), 0},
+                            {network.setServer(true, "0"), -1},
+                            {network.connect("localhost", "1"), -1}};
+  for (const auto& [result, refusal] : REFUSED) EXPECT_EQ(result, refusal);
 }

@@ -71,7 +71,7 @@ class NetworkManagerTest : public testing::Test {
   }
   ~NetworkManagerTest() override {
     // closeAll() skips every other connection: close them one by one.
-    while (network_manager.getNumConnections() > 0) network_manager.close(0);
+    while (network_manager.getNumConnections() > 0) EXPECT_EQ(network_manager.close(0), 0);
     network_manager.shutDown();
     network_manager.setMaxConnections(1);
   }

@@ -146,8 +146,9 @@ TEST(ShooterReplay, TheGameReplaysFromTheEnvironmentAndNamesWhereItDiverged) {
   // pause key does not wait in a replay.
   const char* other_grid =
       "window_horizontal_chars:40,\nwindow_vertical_chars:12,\nframe_time:20,\n";
-  EXPECT_EQ(replayShooter(defeat, said, logged, other_grid), 0);
+  EXPECT_EQ(replayShooter(defeat, said, logged, other_grid, "VANTOR_LOG_LEVEL=5"), 0);
   EXPECT_EQ(said, "");
+  EXPECT_NE(logged.find("frame time is 33"), std::string::npos);
   EXPECT_NE(logged.find("replaying 319 steps of '" + defeat + "' as fast as the loop runs."),
             std::string::npos);
   EXPECT_EQ(logged.find("Cannot pause"), std::string::npos) << logged;

@@ -68,7 +68,7 @@ class DrawingWindowTest : public ::testing::Test {
   }
 
   sf::Image showAndCapture() {
-    display.swapBuffers();
+    EXPECT_EQ(display.swapBuffers(), 0);
     return vt::test::captureWindow(*display.getWindow());
   }
 
@@ -118,7 +118,7 @@ TEST_F(DrawingWindowTest, StringsFramesSpritesLabelsAndViewObjectsLandOnTheirCel
     expectShownAs(cells(left, 6, text, vt::GREEN), text);
   }
   // Frames are centred on their position, on half cells when even.
-  vt::Frame(4, 2, "ab#.cd+*").draw(Vector(20, 6), vt::CYAN, '.');
+  EXPECT_EQ(vt::Frame(4, 2, "ab#.cd+*").draw(Vector(20, 6), vt::CYAN, '.'), 0);
   expectShownAs(cells(18.5f, 5.5f, "ab#\ncd+*", vt::CYAN), "frame with transparency");
   vt::Frame(3, 1, "a.b").draw(Vector(9, 9), vt::RED, 0);
   expectShownAs(cells(8, 9, "a.b", vt::RED), "frame without transparency");
@@ -145,12 +145,12 @@ TEST_F(DrawingWindowTest, StringsFramesSpritesLabelsAndViewObjectsLandOnTheirCel
     p_label->setSnapToCell(snap);
     world.draw();
     const sf::Image drawn = showAndCapture();
-    display.drawString(Vector(20, 5), "AB", vt::LEFT_JUSTIFIED, vt::WHITE);
+    EXPECT_EQ(display.drawString(Vector(20, 5), "AB", vt::LEFT_JUSTIFIED, vt::WHITE), 0);
     display.drawString(Vector(31, 7), "CD", vt::LEFT_JUSTIFIED, vt::GREEN);
     EXPECT_EQ(vt::test::countDifferentPixels(drawn, showAndCapture()) == 0, snap);
   }
   EXPECT_EQ(p_object->getPosition(), Vector(20.3f, 5.4f));
-  world.markForDelete(p_object);
+  EXPECT_EQ(world.markForDelete(p_object), 0);
   world.markForDelete(p_label);
   world.update();
   // A view object stays put on the screen when the view moves.
@@ -192,7 +192,7 @@ TEST_F(DrawingWindowTest, GlyphsSitInTheirCellAndShakeBySeverityForTheGivenSteps
 
 TEST_F(DrawingWindowTest, LinesShapesAndBackgroundsLayerInCallOrder) {
   // Cell 5 is drawn before the line and cell 8 after it: only cell 8's background covers it.
-  display.drawCh(Vector(5, 1), ' ', vt::WHITE);
+  EXPECT_EQ(display.drawCh(Vector(5, 1), ' ', vt::WHITE), 0);
   EXPECT_EQ(display.drawLine(Vector(1, 1.5f), Vector(20, 1.5f), vt::RED), 0);
   display.drawCh(Vector(8, 1), ' ', vt::WHITE);
   const sf::Image shown = showAndCapture();
@@ -275,7 +275,7 @@ TEST_F(DrawingWindowTest, AFrameDrawnOverEarlierOnesLooksAsIfDrawnAlone) {
   display.shutDown();
   ASSERT_EQ(display.startUp(), 0);
   // A new background colour clears the window from the next frame on.
-  display.setBackgroundColor(vt::BLUE);
+  EXPECT_TRUE(display.setBackgroundColor(vt::BLUE));
   display.swapBuffers();
   random = last_random;
   drawScreen(4, false);

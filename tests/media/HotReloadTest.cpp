@@ -38,12 +38,12 @@ TEST(HotReload, AChangedSpriteShowsAtTheNextStepAndABrokenOneKeepsTheOld) {
     writeSprite(file, "green", {"A", "B"});
     ASSERT_EQ(vt::ResourceManager::getInstance().loadSprite(file, "ship"), 0);
     auto* p_ship = new vt::Object;
-    p_ship->setSprite("ship");
+    EXPECT_EQ(p_ship->setSprite("ship"), 0);
     p_ship->setPosition(vt::Vector(10, 5));
     auto* p_boxed = new vt::Object;
     p_boxed->setSprite("ship");
     const vt::Box own_box(vt::Vector(-0.4f, -0.4f), 0.8f, 0.8f);
-    p_boxed->setBox(own_box);
+    EXPECT_EQ(p_boxed->setBox(own_box), 0);
     harness.step();
     // Saved as editors save, a new file renamed over the old one: one frame
     // three cells wide.

@@ -54,6 +54,10 @@ void expectResizesShowTheGameAfresh(const TmuxSession& session) {
   EXPECT_EQ(session.screenText().size(), 26u);
 }
 
+// The probe's box, line and circle, from its fourth row.
+const std::vector<std::string> DRAWING = {"  |-----| \\", "  |     |  \\   o", "  |     |   \\",
+                                          "  |------    \\"};
+
 // Before Q ends it, the game is shown in a resized terminal.
 TEST(TerminalSession, EveryWayOutGivesTheTerminalItsModesBack) {
   for (const WayOut& way : WAYS_OUT) {
@@ -67,6 +71,9 @@ TEST(TerminalSession, EveryWayOutGivesTheTerminalItsModesBack) {
     ASSERT_TRUE(session.isRunning());
     ASSERT_TRUE(test::waitFor([&] { return session.shows("probe step"); }, 30))
         << test::readFile(folder + "/vantor.log");
+    const std::vector<std::string> screen = session.screenText();
+    ASSERT_GE(screen.size(), 7u);
+    EXPECT_EQ(std::vector<std::string>(screen.begin() + 3, screen.begin() + 7), DRAWING);
     EXPECT_EQ(session.paneFormat(MODES), MODES_OF_A_GAME);
     if (std::string(way.keys) == "q") expectResizesShowTheGameAfresh(session);
     EXPECT_TRUE(*way.keys == '\0' || session.sendKeys(way.keys));

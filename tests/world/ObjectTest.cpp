@@ -21,7 +21,7 @@ TEST(Object, IdsAreUniqueAndInterestsKeepOrderAndLimitAndEndWithTheObject) {
   const int later_id = p_next->getId() + 50;
   p_next->setId(later_id);
   EXPECT_EQ((new vt::Object)->getId(), later_id + 1);
-  p_next->setActive(false);
+  EXPECT_EQ(p_next->setActive(false), 0);
   EXPECT_EQ(vt::WorldManager::getInstance().objectWithId(later_id), p_next);
   // Interests keep their order and limit, and end with the object.
   auto* p_object = new vt::Object;
@@ -37,7 +37,7 @@ TEST(Object, IdsAreUniqueAndInterestsKeepOrderAndLimitAndEndWithTheObject) {
   // Deleting the object unregisters it everywhere, the network manager too.
   ASSERT_EQ(p_object->unregisterInterest("c"), 0);
   ASSERT_EQ(p_object->registerInterest(vt::CUSTOM_NETWORK_EVENT), 0);
-  vt::WorldManager::getInstance().markForDelete(p_object);
+  EXPECT_EQ(vt::WorldManager::getInstance().markForDelete(p_object), 0);
   vt::WorldManager::getInstance().update();
   vt::Event event;
   event.setType("a");
@@ -79,7 +79,7 @@ TEST(SceneGraph, ListsFollowTheObjectsAttributes) {
   test::HeadlessEngine engine;
   vt::SceneGraph& graph = vt::WorldManager::getInstance().getSceneGraph();
   auto* p = new vt::Object;
-  p->setType("ship");
+  EXPECT_EQ(p->setType("ship"), 0);
   // Each change, its result, and the lists the object is in after it.
   const std::tuple<std::function<int()>, int, bool, bool, bool, bool, bool> steps[] = {
       {[] { return 0; }, 0, true, true, true, false, true},
@@ -157,7 +157,7 @@ TEST(ObjectSerialization, WritesEveryGroupOnceThenWhatChangedOrWasNamedAndCopies
                 "x_acceleration:0,y_acceleration:0,shape:-1,size:1,color:White,opacity:255,"
                 "follow_path:false,path:,path_index:0,avoid_collisions:false,");
   // Setting a value an object already has changes nothing, and is no failure.
-  p_object->setAltitude(2);
+  EXPECT_EQ(p_object->setAltitude(2), 0);
   p_object->setPosition(Vector(1, 1));
   EXPECT_EQ(p_object->setActive(true) + p_object->setVisible(true) + p_object->setNoSoft(false), 0);
   EXPECT_EQ(p_object->serialize(), "");
@@ -166,7 +166,7 @@ TEST(ObjectSerialization, WritesEveryGroupOnceThenWhatChangedOrWasNamedAndCopies
   p_object->setVelocity(Vector(0, -3));
   p_object->setDirection(Vector(0.5f, 0.25f));
   p_object->setPosition(Vector(3.25f, -4));
-  p_object->registerInterest("nuke");
+  EXPECT_EQ(p_object->registerInterest("nuke"), 0);
   p_object->setPath({Vector(3, 4), Vector(5.5f, 4)});
   EXPECT_EQ(p_object->serialize(),
             "event_count:1,event_name[0]:nuke,pos-x:3.25,pos-y:-4,x_direction:0.5,y_direction:0."
@@ -190,7 +190,7 @@ TEST(ObjectSerialization, WritesEveryGroupOnceThenWhatChangedOrWasNamedAndCopies
   // comes back as it went.
   vt::Animation animation;
   animation.setIndex(2);
-  p_source->setAnimation(animation, false);
+  EXPECT_EQ(p_source->setAnimation(animation, false), 0);
   const std::string text = p_source->serialize("ALL");
   // The copy's own events give way to the ones received.
   auto* p_copy = new Object;

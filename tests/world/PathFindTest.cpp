@@ -154,7 +154,7 @@ TEST_F(PathFindTest, SearchesOutsideTheWorldOrTooBigFail) {
   makeWall(3, 3);
   auto* p_seeker = new Seeker(Vector(3, 4));
   p_seeker->pathTo(Vector(10, 20.5f));
-  paths.cycle(0);
+  EXPECT_EQ(paths.cycle(0), 1);
   EXPECT_EQ(p_seeker->statuses, std::vector<int>{vt::PATH_NOT_FOUND});
   // The far edges of the boundary count as inside; a start inside a wall is
   // reported and searched from.

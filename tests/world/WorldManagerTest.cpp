@@ -23,7 +23,7 @@ WorldManager& world = WorldManager::getInstance();
 auto* makeObject(Vector position, Solidness solidness, Vector velocity = Vector()) {
   auto* p_object = new test::RecordingObject;
   p_object->setPosition(position);
-  p_object->setSolidness(solidness);
+  EXPECT_EQ(p_object->setSolidness(solidness), 0);
   p_object->setVelocity(velocity);
   return p_object;
 }
@@ -77,7 +77,7 @@ TEST(WorldManager, CollisionsFollowSolidness) {
     SCOPED_TRACE(testing::Message() << mover << other << no_soft << speed);
     test::HeadlessEngine engine;
     auto* p_mover = makeObject(Vector(10, 5), mover, Vector(1, 0));
-    p_mover->setNoSoft(no_soft);
+    EXPECT_EQ(p_mover->setNoSoft(no_soft), 0);
     auto* p_other = makeObject(Vector(11.5f, 5), other, Vector(speed, 0));
     p_other->on_event = [&](const Event* p_event) {
       const auto* p_hit = dynamic_cast<const EventCollision*>(p_event);
@@ -149,7 +149,7 @@ TEST(WorldManager, AvoidingMoversSlideAlongWhatTheyHit) {
   test::HeadlessEngine engine;
   makeObject(Vector(10, 10), HARD);
   auto* p_mover = makeObject(Vector(9, 8.5f), HARD, Vector(1, 1));
-  p_mover->setAvoidCollisions(true);
+  EXPECT_EQ(p_mover->setAvoidCollisions(true), 0);
   world.update();
   EXPECT_NEAR((p_mover->getPosition() - Vector(9 + std::sqrt(2.0f), 8.5f)).getMagnitude(), 0, 1e-4);
   EXPECT_EQ(p_mover->count(COLLISION_EVENT), 0);

@@ -1,7 +1,7 @@
 // A game that runs in a terminal until it is told to end: by Q, by itself
 // ("end"), by an exception ("throw"), or by a signal from outside, even stuck
-// in a step ("hang"). It shows its step count and writes its process id into
-// the file named second.
+// in a step ("hang"). It shows its step count and some drawing, and writes
+// its process id into the file named second.
 #include <unistd.h>
 
 #include <fstream>
@@ -12,6 +12,7 @@
 #include "core/GameManager.h"
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
+#include "media/Shape.h"
 #include "world/Object.h"
 
 namespace {
@@ -40,9 +41,17 @@ class Probe : public vt::Object {
     return 1;
   }
 
+  // Below its step count, a box, a slanting line and a circle, as a terminal
+  // shows them.
   int draw() override {
-    return vt::DisplayManager::getInstance().drawString(
-        vt::Vector(1, 1), "probe step " + std::to_string(steps), vt::LEFT_JUSTIFIED, vt::GREEN);
+    vt::DisplayManager& display = vt::DisplayManager::getInstance();
+    vt::Box(vt::Vector(2, 3), 6, 3).draw();
+    display.drawLine(vt::Vector(10, 3), vt::Vector(13, 6), vt::CYAN);
+    vt::Shape circle;
+    circle.setType(vt::CIRCLE);
+    circle.draw(vt::Vector(15, 4));
+    return display.drawString(vt::Vector(1, 1), "probe step " + std::to_string(steps),
+                              vt::LEFT_JUSTIFIED, vt::GREEN);
   }
 
  private:
