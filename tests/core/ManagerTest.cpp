@@ -72,9 +72,19 @@ TEST(Manager, AStartTooManyOrACallBeforeTheStartIsRefused) {
       &vt::LogManager::getInstance(),   &vt::DisplayManager::getInstance(),
       &vt::InputManager::getInstance(), &vt::ResourceManager::getInstance(),
       &vt::WorldManager::getInstance(), &vt::PathManager::getInstance(),
-      &vt::GameManager::getInstance(),  &network};
-  for (vt::Manager* p_manager : MANAGERS)
+      &vt::GameManager::getInstance(),  &vt::NetworkManager::getInstance()};
+  for (vt::Manager* p_manager : MANAGERS) {
     EXPECT_EQ(p_manager->startUp(), -1) << p_manager->getType();
+    EXPECT_NE(p_manager->getStartFailure().find("already started"), std::string::npos);
+  }
+  // Networking left off in the configuration: the log says so.
+  vt::LogManager& log_manager = vt::LogManager::getInstance();
+  const int level = log_manager.getLogLevel();
+  log_manager.setLogLevel(1);
+  network.setMaxConnections(2);
+  log_manager.setLogLevel(level);
+  EXPECT_TRUE(harness.logContains(
+      "NetworkManager::setMaxConnections(): Warning! Networking is not enabled in vt-config.txt."));
   harness.shutDown();
   network.shutDown();
   vt::ResourceManager& resources = vt::ResourceManager::getInstance();
@@ -88,6 +98,10 @@ TEST(Manager, AStartTooManyOrACallBeforeTheStartIsRefused) {
                             {paths.cycle(10), 0},
                             {paths.cycleTurns(10), 0},
                             {network.setServer(true, "0"), -1},
-                            {network.connect("localhost", "1"), -1}};
+                            {network.connect("localhost", "1"), -1},
+                            {network.isData(0), -1}};
   for (const auto& [result, refusal] : REFUSED) EXPECT_EQ(result, refusal);
+  // A good start forgets why an earlier one failed.
+  ASSERT_EQ(harness.startUp(), 0);
+  EXPECT_EQ(vt::WorldManager::getInstance().getStartFailure(), "");
 }

@@ -210,9 +210,10 @@ TEST_F(RecorderTest, GoldenFramesShowEachCellAndNameWhatDiffers) {
   // Headless and not capturing, drawing reports that nothing was drawn.
   vt::DisplayManager& display = vt::DisplayManager::getInstance();
   display.setCapture(false);
-  EXPECT_EQ(display.drawCh(Vector(1, 1), 'x', vt::RED) + display.drawLine(Vector(), Vector(3, 0)) +
+  EXPECT_EQ(display.drawCh(Vector(1, 1), 'x', vt::RED) + display.drawCh(Vector(), 'x', 1, 2, 3) +
+                display.drawLine(Vector(), Vector(3, 0)) +
                 display.drawString(Vector(), "x", vt::LEFT_JUSTIFIED, vt::RED),
-            -3);
+            -4);
   display.setCapture(true);
   EXPECT_EQ(display.drawCh(Vector(1, 1), 'x', vt::RED) + display.drawLine(Vector(), Vector(3, 0)),
             -1)

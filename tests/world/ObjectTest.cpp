@@ -172,10 +172,13 @@ TEST(ObjectSerialization, WritesEveryGroupOnceThenWhatChangedOrWasNamedAndCopies
             "event_count:1,event_name[0]:nuke,pos-x:3.25,pos-y:-4,x_direction:0.5,y_direction:0."
             "25,speed:3,path:3 4|5.5 4|,path_index:2,");
   // Named groups are written whether modified or not; the others keep their
-  // flags. Without its trailing comma the last name matches nothing.
+  // flags. Without its trailing comma the last name matches nothing, and the
+  // log names the mistake.
   p_object->setAltitude(3);
   EXPECT_EQ(p_object->serialize("SPEED,POSITION,"), "pos-x:3.25,pos-y:-4,speed:3,");
   EXPECT_EQ(p_object->serialize("ID,ALTITUDE"), "id:" + id + ",");
+  EXPECT_NE(engine.logText().find("Attribute 'ID,ALTITUDE' missing trailing ','"),
+            std::string::npos);
   EXPECT_EQ(p_object->serialize(), "altitude:3,");
   // A copy made from the text of everything matches the original.
   auto* p_source = new Object;

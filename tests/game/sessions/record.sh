@@ -7,11 +7,14 @@
 #                          into the drelks, the defeat screen, the title, Q
 #   victory.vrec           a game fought until the boss comes and falls, the
 #                          victory screen, the title, Q
+#   boss-fight.vrec        the same fight with seed 102, kept whoever wins: the
+#                          boss comes, fires its fans, the ship wipes them and
+#                          falls at last, the defeat screen, the title, Q
 #   splash-runs-out.vrec   the splash left to play to its end, the title, Q
 #
-#   tests/game/sessions/record.sh [defeat|victory|splash-runs-out ...]
+#   tests/game/sessions/record.sh [defeat|victory|boss-fight|splash-runs-out ...]
 #
-# With no names, all three are made. Each session runs build/game/shooter
+# With no names, all four are made. Each session runs build/game/shooter
 # from its folder with VANTOR_RECORD set, a configuration with a fixed seed
 # and silent audio; pilot.py (beside this script) watches the window through
 # the X server's framebuffer file and plays with xdotool. A recording is kept
@@ -165,6 +168,11 @@ record_splash() {
   keep splash-runs-out
 }
 
+record_boss_fight() {
+  play_session boss-fight victory 102
+  keep boss-fight
+}
+
 record_victory() {
   local attempt seed
   for ((attempt = 1; attempt <= VICTORY_ATTEMPTS; attempt++)); do
@@ -183,7 +191,7 @@ record_victory() {
   fail "no victory in $VICTORY_ATTEMPTS attempts (seeds $VICTORY_FIRST_SEED to $seed)"
 }
 
-[ $# -gt 0 ] || set -- splash-runs-out defeat victory
+[ $# -gt 0 ] || set -- splash-runs-out defeat boss-fight victory
 for name in "$@"; do
   if [ -e "$OUT_DIR/$name.vrec" ] && [ "${REPLACE:-0}" != 1 ]; then
     fail "$OUT_DIR/$name.vrec exists; REPLACE=1 replaces it (and the frames made from it)"
@@ -194,8 +202,9 @@ for name in "$@"; do
   case $name in
     defeat) record_defeat ;;
     victory) record_victory ;;
+    boss-fight) record_boss_fight ;;
     splash-runs-out) record_splash ;;
-    *) fail "no session '$name' (defeat, victory, splash-runs-out)" ;;
+    *) fail "no session '$name' (defeat, victory, boss-fight, splash-runs-out)" ;;
   esac
 done
 echo "DONE"
