@@ -77,14 +77,6 @@ TEST(Manager, AStartTooManyOrACallBeforeTheStartIsRefused) {
     EXPECT_EQ(p_manager->startUp(), -1) << p_manager->getType();
     EXPECT_NE(p_manager->getStartFailure().find("already started"), std::string::npos);
   }
-  // Networking left off in the configuration: the log says so.
-  vt::LogManager& log_manager = vt::LogManager::getInstance();
-  const int level = log_manager.getLogLevel();
-  log_manager.setLogLevel(1);
-  network.setMaxConnections(2);
-  log_manager.setLogLevel(level);
-  EXPECT_TRUE(harness.logContains(
-      "NetworkManager::setMaxConnections(): Warning! Networking is not enabled in vt-config.txt."));
   harness.shutDown();
   network.shutDown();
   vt::ResourceManager& resources = vt::ResourceManager::getInstance();

@@ -149,6 +149,7 @@ TEST_F(RecorderTest, BadRecordingsAreRefusedWithTheirReason) {
        "unknown event 'world:0123456789abcdef0/2'"},
       {header + "3 press:D\n2 press:D\nend 9\n", "line 8: steps out of order"},
       {header + "5-3 press:D\nend 9\n", "line 7: '5-3' is not a step"},
+      {header + "3x press:D\nend 9\n", "line 7: '3x' is not a step"},
       {header + "3\nend 9\n", "line 7: a step with nothing in it"},
       {header + "3 press:D\nend 2\n", "line 8: a bad end line"},
       {header + "end 9\nend 10\n", "line 8: text after the end line"},

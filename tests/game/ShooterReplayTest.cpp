@@ -71,7 +71,6 @@ const std::pair<const char*, std::vector<Look>> SESSIONS_PLAYED[] = {
      {{23, "defeat-23-title.frame", -1, "start music"},
       {44, "defeat-44-moved.frame", 0, "InGameBGM"},
       {97, "defeat-97-kills.frame", 62, "InGameBGM"},
-      {99, "defeat-99-wiped.frame", -138, "InGameBGM"},
       {133, "defeat-133-game-over.frame", 3, "GameDead"},
       {137, "defeat-137-burst.frame", 3, "GameDead"},
       {317, "defeat-317-title-again.frame", 9, "start music"}}},
