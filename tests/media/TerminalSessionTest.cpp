@@ -58,7 +58,7 @@ void expectResizesShowTheGameAfresh(const TmuxSession& session) {
 const std::vector<std::string> DRAWING = {"  |-----| \\", "  |     |  \\   o", "  |     |   \\",
                                           "  |------    \\"};
 
-// Before Q ends it, the game is shown in a resized terminal.
+// The probe's drawing shows each time; before Q ends it, the terminal is resized under it.
 TEST(TerminalSession, EveryWayOutGivesTheTerminalItsModesBack) {
   for (const WayOut& way : WAYS_OUT) {
     SCOPED_TRACE(way.name);
