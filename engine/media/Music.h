@@ -25,6 +25,8 @@ class Music : private AudioEnvironment {
   void stop();
   void pause();
   sf::SoundSource::Status getStatus() const;
+  // Whether it starts again from the beginning when it ends.
+  bool getLoop() const { return music.getLoop(); }
   // How far into the track playing has got.
   sf::Time getPlayingOffset() const;
 

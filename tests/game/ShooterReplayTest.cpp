@@ -47,14 +47,15 @@ int shownScore() {
   return shown.isEmpty() ? -1 : static_cast<Points*>(shown[0])->getValue();
 }
 
-// The labels of the game's musics that play, joined by blanks.
+// The labels of the game's musics that play ("once" if not looping), joined by blanks.
 std::string playingMusic() {
   std::string playing;
   for (const char* label :
        {"start music", "InGameBGM", "Boss1BattleBGM", "GameDead", "VictoryBGM", "gameplay"}) {
     const vt::Music* p_music = vt::ResourceManager::getInstance().getMusic(label);
     if (p_music != nullptr && p_music->getStatus() == sf::SoundSource::Playing)
-      playing += (playing.empty() ? "" : " ") + std::string(label);
+      playing +=
+          (playing.empty() ? "" : " ") + std::string(label) + (p_music->getLoop() ? "" : " once");
   }
   return playing;
 }

@@ -1,7 +1,7 @@
 // A game that runs in a terminal until it is told to end: by Q, by itself
 // ("end"), by an exception ("throw"), or by a signal from outside, even stuck
-// in a step ("hang"). It shows its step count and some drawing, and writes
-// its process id into the file named second.
+// in a step ("hang"). It shows its step count, and below it a box, a slanting
+// line and a circle; it writes its process id into the file named second.
 #include <unistd.h>
 
 #include <fstream>
@@ -41,8 +41,6 @@ class Probe : public vt::Object {
     return 1;
   }
 
-  // Below its step count, a box, a slanting line and a circle, as a terminal
-  // shows them.
   int draw() override {
     vt::DisplayManager& display = vt::DisplayManager::getInstance();
     vt::Box(vt::Vector(2, 3), 6, 3).draw();
