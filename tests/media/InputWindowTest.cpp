@@ -158,8 +158,8 @@ TEST_F(InputWindow, KeysAndMouseArriveStepByStep) {
   const std::pair<std::string, Events> rounds[] = {
       {"key p Prior", {press(K::P), release(K::P), press(158), release(158)}},
       {"keydown space", {press(K::SPACE), held(K::SPACE)}},
-      {"", {held(K::SPACE)}},
-      {"keyup space", {release(K::SPACE)}},
+      {"keydown d 5", {press(K::D), press(K::NUM5), held(K::SPACE), held(K::D), held(K::NUM5)}},
+      {"keyup space d 5", {release(K::SPACE), release(K::D), release(K::NUM5)}},
       {"keydown 0", {press(K::NUM0), held(K::NUM0), held(K::BACKSPACE)}},
       {"keyup 0 keydown BackSpace", {release(K::NUM0), press(K::BACKSPACE)}},
       {"keyup BackSpace keydown F11", {release(K::BACKSPACE), press(K::F11)}},
