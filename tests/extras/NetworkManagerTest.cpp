@@ -184,4 +184,12 @@ TEST_F(NetworkManagerTest, ClientsBeyondTheLimitAreRefusedCloseRenumbersTheOther
   char buffer[4];
   EXPECT_EQ(network_manager.receive(0, buffer, 4), -1);
   EXPECT_NE(engine.logText().find("\t104 - Connection reset by peer\n"), std::string::npos);
+  // No such connection, no such service, nobody at the port, no such event label: refused.
+  EventNetwork event(NETWORK_DATA, 0, 0);
+  EXPECT_EQ(std::vector<int>(
+                {network_manager.send(1, buffer, 4), network_manager.receive(1, buffer, 4),
+                 network_manager.close(1), network_manager.connect("127.0.0.1", "no-service"),
+                 network_manager.connect("127.0.0.1", "1"), event.setLabel(NETWORK_ACCEPT - 1),
+                 event.setLabel(NETWORK_DATA + 1)}),
+            std::vector<int>(7, -1));
 }

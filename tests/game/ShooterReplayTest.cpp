@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -32,14 +33,13 @@ namespace {
 
 const std::string SESSIONS = VANTOR_SESSIONS_DIR;
 
-// A look at a replayed session: at the end of the step, the screen matches
-// the golden frame, the score display shows the score (-1: none shown) and
-// the music plays.
+// A look at a replayed session: at the end of the step, the screen matches the
+// golden frame, the score display shows the score (-1: none) and the music plays.
 struct Look {
   int step;
-  const char* frame;
+  std::string frame;
   int score;
-  const char* music;
+  std::string music;
 };
 
 int shownScore() {
@@ -66,27 +66,21 @@ void expectLook(const vt::Harness& harness, const Look& look) {
   EXPECT_EQ(playingMusic(), look.music) << look.frame;
 }
 
-// Sessions played in a window under a scripted player with the recorder on.
-const std::pair<const char*, std::vector<Look>> SESSIONS_PLAYED[] = {
-    {"defeat.vrec",
-     {{23, "defeat-23-title.frame", -1, "start music"},
-      {44, "defeat-44-moved.frame", 0, "InGameBGM"},
-      {97, "defeat-97-kills.frame", 62, "InGameBGM"},
-      {133, "defeat-133-game-over.frame", 3, "GameDead"},
-      {137, "defeat-137-burst.frame", 3, "GameDead"},
-      {317, "defeat-317-title-again.frame", 9, "start music"}}},
-    {"boss-fight.vrec",
-     {{1113, "boss-1113-arrives.frame", 1116, "Boss1BattleBGM"},
-      {1150, "boss-1150-fan.frame", 1117, "Boss1BattleBGM"},
-      {1160, "boss-1160-wiped.frame", 917, "Boss1BattleBGM"},
-      {1424, "boss-1424-defeat.frame", 126, "GameDead"}}},
-    {"splash-runs-out.vrec",
-     {{40, "splash-40.frame", -1, ""}, {91, "splash-91-title.frame", -1, "start music"}}},
-};
-
+// Sessions played in a window under a scripted player with the recorder on, and
+// the looks at them in looks.txt, a line each: recording, step, frame, score, music.
 TEST(ShooterReplay, RecordedSessionsUnfoldAsPlayed) {
   ASSERT_EQ(chdir(VANTOR_GAME_DIR), 0);
-  for (const auto& [recording, looks] : SESSIONS_PLAYED) {
+  std::map<std::string, std::vector<Look>> sessions;
+  std::istringstream lines(test::readFile(SESSIONS + "/looks.txt"));
+  for (std::string line, recording; std::getline(lines, line);) {
+    std::istringstream fields(line);
+    Look look;
+    if (line[0] == '#' || !(fields >> recording >> look.step >> look.frame >> look.score)) continue;
+    std::getline(fields >> std::ws, look.music);
+    sessions[recording].push_back(look);
+  }
+  ASSERT_EQ(sessions.size(), 3u);
+  for (const auto& [recording, looks] : sessions) {
     SCOPED_TRACE(recording);
     vt::Harness harness;
     ASSERT_EQ(harness.startUp(), 0);

@@ -44,9 +44,8 @@ class XvfbServer {
     std::string number;
     pollfd poll_fd{fds[0], POLLIN, 0};
     char ch = 0;
-    while (pid > 0 && poll(&poll_fd, 1, 10000) > 0 && read(fds[0], &ch, 1) == 1 && ch != '\n') {
+    while (pid > 0 && poll(&poll_fd, 1, 10000) > 0 && read(fds[0], &ch, 1) == 1 && ch != '\n')
       number += ch;
-    }
     close(fds[0]);
     running = ch == '\n' && !number.empty();
     if (running) setenv("DISPLAY", (":" + number).c_str(), 1);
@@ -68,9 +67,8 @@ bool keepGraphicsDriverLoaded() {
   const sf::Context context;
   dl_iterate_phdr(
       [](dl_phdr_info* p_info, std::size_t, void*) {
-        if (p_info->dlpi_name != nullptr && p_info->dlpi_name[0] != '\0') {
+        if (p_info->dlpi_name != nullptr && p_info->dlpi_name[0] != '\0')
           dlopen(p_info->dlpi_name, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
-        }
         return 0;
       },
       nullptr);
@@ -82,8 +80,7 @@ bool keepGraphicsDriverLoaded() {
 bool startProcessXvfb(const char* screen) {
   opens_windows = true;
   static const XvfbServer server(screen);
-  static const bool driver_kept = server.running && keepGraphicsDriverLoaded();
-  (void)driver_kept;
+  [[maybe_unused]] static const bool driver_kept = server.running && keepGraphicsDriverLoaded();
   return server.running;
 }
 
