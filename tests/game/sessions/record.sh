@@ -27,10 +27,10 @@
 # stops the game's process (this script's own child, by its PID) at the end
 # of every step while it looks and chooses, and lets it go on after.
 #
-# The replay tests check golden frames and scores at chosen steps of these
-# recordings: a new recording of the same session differs, so an existing
-# file is kept unless REPLACE=1, and what was derived from it must then be
-# made again.
+# The replay tests check golden frames, scores and music at the steps of
+# these recordings that looks.txt lists: a new recording of the same session
+# differs, so an existing file is kept unless REPLACE=1, and what was derived
+# from it (its looks and their frames) must then be made again.
 #
 # Environment: GAME_DIR (the built game's folder, default build/game),
 # OUT_DIR (where recordings go, default this folder), REPLACE (1 to replace
