@@ -89,6 +89,7 @@ TEST(ShooterReplay, RecordedSessionsUnfoldAsPlayed) {
       harness.atStep(look.step, [&harness, &look] { expectLook(harness, look); });
     playGame();
     EXPECT_EQ(harness.finishReplay(), 0) << harness.replayFailure();
+    EXPECT_FALSE(harness.logContains("Error")) << harness.logText();
   }
 }
 

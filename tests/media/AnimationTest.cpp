@@ -24,9 +24,8 @@ std::unique_ptr<vt::Sprite> digitSprite(int frame_count, int slowdown) {
 // The frame shown before each of count draws.
 Shown framesShown(Animation& animation, int count) {
   Shown shown;
-  for (int i = 0; i < count; i++, animation.draw(vt::Vector(5, 5))) {
+  for (int i = 0; i < count; i++, animation.draw(vt::Vector(5, 5)))
     shown.push_back(animation.getIndex());
-  }
   return shown;
 }
 

@@ -249,10 +249,9 @@ TEST_F(DrawingWindowTest, AFrameDrawnOverEarlierOnesLooksAsIfDrawnAlone) {
                      static_cast<vt::Color>(vt::RED + cells() % 7));
     }
     // A heads-up line drawn over itself, as a stack of score displays is.
-    for (int i = 0; i < 3; i++) {
+    for (int i = 0; i < 3; i++)
       display.drawString(Vector(40, 0), "Points " + std::to_string(seed % 1000 + i),
                          vt::CENTER_JUSTIFIED, vt::YELLOW);
-    }
     for (int i = 0; i < 40; i++)
       display.drawCh(Vector(random() % 80, random() % 24), '@', vt::GREEN);
   };

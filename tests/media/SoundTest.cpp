@@ -38,9 +38,8 @@ std::string wavBytes(int sample_count, long claimed_count = -1) {
                       littleEndian(1, 2) + littleEndian(1, 2) + littleEndian(8000, 4) +
                       littleEndian(16000, 4) + littleEndian(2, 2) + littleEndian(16, 2) + "data" +
                       littleEndian(data_bytes, 4);
-  for (int i = 0; i < sample_count; i++) {
+  for (int i = 0; i < sample_count; i++)
     bytes += littleEndian(static_cast<std::uint16_t>(std::lround(8000 * std::sin(i * 0.3))), 2);
-  }
   return bytes;
 }
 

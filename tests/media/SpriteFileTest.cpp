@@ -94,8 +94,11 @@ const std::pair<std::string, Lines> REFUSED[] = {
       "RM::loadSimpleSprite(): Error line 7!", "\tExtra file data: ''"}},
     {robust({"frames 1", "width 1", "height 1", "color purple"}, {"x", "end"}),
      {"RM::loadRobustSprite(): Error! Unrecognized color 'purple'."}},
-    {robust({"width 1", "height 1"}, {"x", "end"}),
-     {"RM::loadRobustSprite(): Error! Missing 'frames' in header."}},
+    // Empty sections say what they lack.
+    {robust({}, {"x", "end"}), {"RM::loadRobustSprite(): Error! Missing 'frames' in header."}},
+    {robust(TWO_BY_THREE, {}), {"\tError! Line 8: No more frame data before 'end'.", NO_FRAME}},
+    {robust(TWO_BY_THREE, {"abc", "def", "end", "ghi", "jkl", "end"}, {}),
+     {"RM::loadRobustSprite(): Error! Missing 'version' in FOOTER (line 21)."}},
     {section("HEADER", {"frames 1", "width 1", "height 1"}) + section("BODY", {"x", "end"}),
      {EOF_LINE, "readData(): Error line 11! Expected '<FOOTER>', have ''."}},
     {robust({"frames 1", "width 1", "height 1"}, {"x", "end"}, {"version"}),

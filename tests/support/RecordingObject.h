@@ -36,9 +36,8 @@ class RecordingObject : public vt::Object {
   // "step <count>", "key <action> <key>", "mouse <action> <button> (<x>,<y>)"
   // or the event's type.
   static std::string describe(const vt::Event* p_event) {
-    if (const auto* p_step = dynamic_cast<const vt::EventStep*>(p_event)) {
+    if (const auto* p_step = dynamic_cast<const vt::EventStep*>(p_event))
       return "step " + std::to_string(p_step->getStepCount());
-    }
     if (const auto* p_key = dynamic_cast<const vt::EventKeyboard*>(p_event)) {
       return "key " + std::to_string(p_key->getKeyboardAction()) + " " +
              std::to_string(p_key->getKey());

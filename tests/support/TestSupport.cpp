@@ -110,9 +110,8 @@ sf::Image captureWindow(const sf::Window& window) {
 long countDifferentPixels(const sf::Image& a, const sf::Image& b) {
   if (a.getSize() != b.getSize()) return -1;
   long count = 0;
-  for (unsigned int y = 0; y < a.getSize().y; y++) {
+  for (unsigned int y = 0; y < a.getSize().y; y++)
     for (unsigned int x = 0; x < a.getSize().x; x++) count += a.getPixel(x, y) != b.getPixel(x, y);
-  }
   return count;
 }
 
