@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -89,7 +90,8 @@ TEST(ShooterReplay, RecordedSessionsUnfoldAsPlayed) {
       harness.atStep(look.step, [&harness, &look] { expectLook(harness, look); });
     playGame();
     EXPECT_EQ(harness.finishReplay(), 0) << harness.replayFailure();
-    EXPECT_FALSE(harness.logContains("Error")) << harness.logText();
+    // No error or warning, but for the music looked for before it is loaded.
+    EXPECT_FALSE(std::regex_search(harness.logText(), std::regex("Error|Warning!(?! Music)")));
   }
 }
 

@@ -23,9 +23,8 @@ class RecordingObject : public vt::Object {
   }
   int eventHandler(const vt::Event* p_event) override {
     received.push_back(p_event->getType());
-    if (p_event->getType() == vt::STEP_EVENT) {
+    if (p_event->getType() == vt::STEP_EVENT)
       steps.push_back(static_cast<const vt::EventStep*>(p_event)->getStepCount());
-    }
     seen.push_back(describe(p_event));
     if (on_event) on_event(p_event);
     return 1;
