@@ -230,8 +230,8 @@ bool SpriteLoader::checkSimpleEnd() {
 std::unique_ptr<Sprite> SpriteLoader::loadRobustSprite() {
   SpriteHeader header;
   if (!readRobustHeader(header)) return nullptr;
-  LineList body;
-  if (!readData("BODY", body)) return nullptr;
+  LineList body = readData("BODY");
+  if (body.empty()) return nullptr;
   const int color = robustColor(header.color);
   if (color < 0) return nullptr;
   std::string rows;
@@ -243,8 +243,8 @@ std::unique_ptr<Sprite> SpriteLoader::loadRobustSprite() {
 }
 
 bool SpriteLoader::readRobustHeader(SpriteHeader& header) {
-  LineList lines;
-  if (!readData("HEADER", lines)) return false;
+  LineList lines = readData("HEADER");
+  if (lines.empty()) return false;
   if (!matchRequired(lines, "frames", header.frames) ||
       !matchRequired(lines, "width", header.width) ||
       !matchRequired(lines, "height", header.height)) {
@@ -314,8 +314,8 @@ bool SpriteLoader::readRobustFrames(std::string& rows, LineList& body, const Spr
 }
 
 bool SpriteLoader::checkRobustFooter() {
-  LineList lines;
-  if (!readData("FOOTER", lines)) return false;
+  LineList lines = readData("FOOTER");
+  if (lines.empty()) return false;
   if (matchLineStr(lines, "version").empty()) {
     logManager().writeLog("RM::loadRobustSprite(): Error! Missing '%s' in FOOTER (line %d).",
                           "version", reader.getLineNumber());
@@ -325,25 +325,26 @@ bool SpriteLoader::checkRobustFooter() {
   return true;
 }
 
-bool SpriteLoader::readData(const std::string& tag, LineList& lines) {
+LineList SpriteLoader::readData(const std::string& tag) {
   const std::string opening = "<" + tag + ">";
   const std::string closing = "</" + tag + ">";
   std::string line = reader.getLine(true);
   if (line != opening) {
     logManager().writeLog("readData(): Error line %d! Expected '%s', have '%s'.",
                           reader.getLineNumber(), opening.c_str(), line.c_str());
-    return false;
+    return {};
   }
+  LineList lines;
   for (line = reader.getLine(false); line != closing && !line.empty();
        line = reader.getLine(true)) {
     lines.pushBack(line);
   }
   if (line.empty()) {
     logManager().writeLog("readData(): Error! Never encountered '%s'.", closing.c_str());
-    return false;
+    return {};
   }
   reader.countLine();
-  return true;
+  return lines;
 }
 
 Frame SpriteLoader::readFrame(LineList& lines, int width, int height) {

@@ -35,11 +35,10 @@ class SpriteLoader {
   // The sectioned format: <HEADER>, <BODY> and <FOOTER> sections.
   std::unique_ptr<Sprite> loadRobustSprite();
 
-  // The lines of one section into lines, opening and closing lines left
-  // out; false (after logging) when the section is missing, unclosed or
-  // holds a blank line. An empty section is read: what it lacks is said by
-  // the caller.
-  bool readData(const std::string& tag, LineList& lines);
+  // The lines of one section, opening and closing lines left out; empty
+  // (after logging) when the section is missing, unclosed or holds a blank
+  // line.
+  LineList readData(const std::string& tag);
   // One frame of the body, consumed from the front of lines; an empty frame
   // (after logging) when the rows or their closing "end" are wrong.
   Frame readFrame(LineList& lines, int width, int height);
