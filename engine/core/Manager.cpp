@@ -64,7 +64,7 @@ int Manager::registerInterest(Object* p_object, std::string event_type) {
   if (event_count == MAX_EVENTS) return -1;
   event_name[event_count] = event_type;
   obj_list[event_count].clear();
-  if (obj_list[event_count].insert(p_object) != 0) return -1;
+  obj_list[event_count].insert(p_object);
   event_count++;
   return 0;
 }

@@ -45,39 +45,20 @@ void SceneGraph::shutDown() {
 }
 
 int SceneGraph::insertObject(Object* p_object) {
-  const LogManager& log_manager = LogManager::getInstance();
   if (!p_object->isActive()) return inactive_objects.insert(p_object);
-  if (objects.insert(p_object) != 0) {
-    log_manager.writeLog(
-        "SceneGraph::insertObject(): Error! unable to insert active Object (id %d)",
-        p_object->getId());
+  // Object lists grow as needed: appending to one cannot fail.
+  objects.insert(p_object);
+  type_map[p_object->getType()].insert(p_object);
+  if (p_object->isSolid()) addSolid(p_object);
+  if (!p_object->isVisible()) return 0;
+  const int altitude = p_object->getAltitude();
+  if (!altitudeInRange(altitude)) {
+    LogManager::getInstance().writeLog(
+        "SceneGraph::insertObject(): Warning! Altitude %d not in range [%d,%d]", altitude,
+        MIN_ALTITUDE, MAX_ALTITUDE);
     return -1;
   }
-  if (type_map[p_object->getType()].insert(p_object) != 0) {
-    log_manager.writeLog(
-        "SceneGraph::insertObject(): Error! unable to insert Object (id %d) into type map",
-        p_object->getId());
-    return -1;
-  }
-  if (p_object->isSolid() && addSolid(p_object) != 0) {
-    log_manager.writeLog("SceneGraph::insertObject(): Error! unable to insert solid Object (id %d)",
-                         p_object->getId());
-    return -1;
-  }
-  if (p_object->isVisible()) {
-    const int altitude = p_object->getAltitude();
-    if (!altitudeInRange(altitude)) {
-      log_manager.writeLog("SceneGraph::insertObject(): Warning! Altitude %d not in range [%d,%d]",
-                           altitude, MIN_ALTITUDE, MAX_ALTITUDE);
-      return -1;
-    }
-    if (visible_objects[altitude].insert(p_object) != 0) {
-      log_manager.writeLog(
-          "SceneGraph::insertObject(): Error! unable to insert visible object (id %d)",
-          p_object->getId());
-      return -1;
-    }
-  }
+  visible_objects[altitude].insert(p_object);
   return 0;
 }
 
@@ -138,13 +119,7 @@ int SceneGraph::updateAltitude(Object* p_object, int new_altitude) {
                          old_altitude);
     return -1;
   }
-  if (!p_object->isVisible()) return 0;
-  if (failed(visible_objects[new_altitude].insert(p_object))) {
-    log_manager.writeLog(
-        "SceneGraph::updateAltitude()): insert visible object at altitude %d failed!",
-        new_altitude);
-    return -1;
-  }
+  if (p_object->isVisible()) visible_objects[new_altitude].insert(p_object);
   return 0;
 }
 
@@ -157,25 +132,17 @@ int SceneGraph::updateSolidness(Object* p_object, Solidness new_solidness) {
     }
     return 0;
   }
-  if (p_object->isSolid() || (new_solidness != HARD && new_solidness != SOFT)) return 0;
-  if (failed(addSolid(p_object))) {
-    LogManager::getInstance().writeLog(
-        "SceneGraph::updateSolidness(): Error! unable to insert solid object");
-    return -1;
-  }
+  if (!p_object->isSolid() && (new_solidness == HARD || new_solidness == SOFT))
+    addSolid(p_object);
   return 0;
 }
 
 int SceneGraph::updateVisible(Object* p_object, bool new_visible) {
   if (!p_object->isActive() || new_visible == p_object->isVisible()) return 0;
   ObjectList& layer = visible_objects[p_object->getAltitude()];
-  if (p_object->isVisible()) {
-    if (failed(layer.remove(p_object))) {
-      return reportFailure("SceneGraph::updateVisible(): unable to remove visible object (%s)",
-                           p_object);
-    }
-  } else if (failed(layer.insert(p_object))) {
-    return reportFailure("SceneGraph::updateVisible(): unable to add visible object (%s)",
+  if (!p_object->isVisible()) return layer.insert(p_object);
+  if (failed(layer.remove(p_object))) {
+    return reportFailure("SceneGraph::updateVisible(): unable to remove visible object (%s)",
                          p_object);
   }
   return 0;
@@ -187,22 +154,10 @@ int SceneGraph::updateActive(Object* p_object, bool new_active) {
 }
 
 int SceneGraph::activate(Object* p_object) {
-  if (failed(objects.insert(p_object))) {
-    return reportFailure("SceneGraph::updateActive(): insert Object (%s) failed for objects!",
-                         p_object);
-  }
-  if (failed(type_map[p_object->getType()].insert(p_object))) {
-    return reportFailure(
-        "SceneGraph::updateActive(): Error! insert Object (%s) failed for type map!", p_object);
-  }
-  if (p_object->isVisible() && failed(visible_objects[p_object->getAltitude()].insert(p_object))) {
-    return reportFailure(
-        "SceneGraph::updateActive(): insert Object (%s) failed for visible_objects!", p_object);
-  }
-  if (p_object->isSolid() && failed(addSolid(p_object))) {
-    return reportFailure("SceneGraph::updateActive(): insert object (%s) failed for solid_objects!",
-                         p_object);
-  }
+  objects.insert(p_object);
+  type_map[p_object->getType()].insert(p_object);
+  if (p_object->isVisible()) visible_objects[p_object->getAltitude()].insert(p_object);
+  if (p_object->isSolid()) addSolid(p_object);
   if (failed(inactive_objects.remove(p_object))) {
     return reportFailure(
         "SceneGraph::updateActive(): remove object (%s) failed for inactive_objects!", p_object);
@@ -225,10 +180,7 @@ int SceneGraph::deactivate(Object* p_object) {
     return reportFailure("SceneGraph::updateActive(): remove object (%s) failed for solid_objects!",
                          p_object);
   }
-  if (failed(inactive_objects.insert(p_object))) {
-    return reportFailure(
-        "SceneGraph::updateActive(): insert object (%s) failed for inactive_objects!", p_object);
-  }
+  inactive_objects.insert(p_object);
   return 0;
 }
 
@@ -240,18 +192,13 @@ int SceneGraph::updateType(Object* p_object, const std::string& new_type) {
                          p_object->getId(), p_object->getType().c_str());
     return -1;
   }
-  if (type_map[new_type].insert(p_object) != 0) {
-    log_manager.writeLog("SceneGraph::updateType(): Error! Unable to insert Object (%d) type %s",
-                         p_object->getId(), new_type.c_str());
-    return -1;
-  }
+  type_map[new_type].insert(p_object);
   return 0;
 }
 
-int SceneGraph::addSolid(Object* p_object) {
-  if (solid_objects.insert(p_object) != 0) return -1;
+void SceneGraph::addSolid(Object* p_object) {
+  solid_objects.insert(p_object);
   p_solid_grid->insert(p_object, getWorldBox(p_object));
-  return 0;
 }
 
 int SceneGraph::removeSolid(Object* p_object) {

@@ -49,7 +49,7 @@ class SceneGraph {
   int deactivate(Object* p_object);
   // The solid list and the grid that finds solid objects by place change
   // together.
-  int addSolid(Object* p_object);
+  void addSolid(Object* p_object);
   int removeSolid(Object* p_object);
 
   ObjectList objects;

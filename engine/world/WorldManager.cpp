@@ -103,13 +103,7 @@ Object* WorldManager::objectWithId(int id) const {
 
 int WorldManager::markForDelete(Object* p_object) {
   if (deletions.contains(p_object)) return 0;
-  if (deletions.insert(p_object) != 0) {
-    LogManager::getInstance().writeLog(
-        "WorldManager::markForDelete(): Error! unable to add Object %p to deletions list",
-        static_cast<void*>(p_object));
-    return -1;
-  }
-  return 0;
+  return deletions.insert(p_object);
 }
 
 int WorldManager::markForDelete(const ObjectList& list) {
