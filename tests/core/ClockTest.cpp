@@ -7,9 +7,8 @@
 
 using namespace std::chrono;
 
-// Once the clock reads past a whole second, its spans still lie between the
-// steady clock's from just after and from just before the mark, however slow
-// the machine.
+// Once the clock reads past a whole second, its spans still lie between the steady clock's from
+// just after and from just before the mark, however slow the machine.
 TEST(Clock, SplitAndDeltaMatchTheSteadyClockAcrossASecond) {
   const auto before_mark = steady_clock::now();
   vt::Clock clock;

@@ -39,7 +39,7 @@ TEST(Config, EveryKeyIsReadFromTheFileNamedByTheEnvironmentOrATextGiven) {
       "window_horizontal_pixels:640,window_vertical_pixels:480,window_horizontal_chars:40,"
       "window_vertical_chars:12,window_background_color:blue,frame_time:20,"
       "window_style:fullscreen,window_title:Mine,show_mouse:true,headless:true,font_file:my.ttf,"
-      "logfile:my.log,random_seed:-1,networking:true,font_scale:1.5,");
+      "logfile:my.log,random_seed:-1,networking:true,font_scale:1.5,display:terminal,");
   vt::LogManager::getInstance().setLogLevel(1);
   config.printConfig();
   for (const char* line : {"pixels: 640\n", "pixels: 480\n", "characters: 40\n", "characters: 12\n",
@@ -48,7 +48,8 @@ TEST(Config, EveryKeyIsReadFromTheFileNamedByTheEnvironmentOrATextGiven) {
                            "Log file: my.log\n", "seed: -1\n", "Networking: true\n"}) {
     EXPECT_NE(engine.logText().find(line), std::string::npos) << line;
   }
-  EXPECT_EQ(config.getFontScale(), 1.5f);
+  EXPECT_EQ(std::make_pair(config.getFontScale(), config.getDisplay()),
+            std::make_pair(1.5f, std::string("terminal")));
 }
 
 // Given an empty text, match searches the last text it was given again.
@@ -74,9 +75,8 @@ TEST(Config, MatchFindsTheFirstEntryOfAKeyAndKeepsTheLastText) {
     EXPECT_NE(engine.logText().find(line), std::string::npos) << line;
 }
 
-// At start-up each line the engine cannot read is named with its number in
-// the log and on standard error, and its setting keeps its default; a last
-// line without its comma is read.
+// At start-up each line the engine cannot read is named with its number in the log and on standard
+// error, and its setting keeps its default; a last line without its comma is read.
 TEST(Config, ProblemsOfTheFileAreNamedWithTheirLinesAtStartUp) {
   const std::string directory = test::makeTempDir();
   // Each line, and what is wrong with it ("" for nothing).

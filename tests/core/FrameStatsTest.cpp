@@ -43,11 +43,10 @@ TEST(FrameStats, F12ShowsTheLastStepOnTheTopLineOverEverything) {
   EXPECT_EQ(shown_at_press, (std::vector<bool>{true, false}));
 }
 
-// A header, then a row a step whose parts add up to no more than its whole.
-// The loop run by the game sleeps out its frames: six steps take six frames
-// at least, and no step sleeps much more than its frame (how closely it
-// keeps its pace is bench_loop's to measure).
-// A file that cannot be written leaves the game running.
+// A header, then a row a step whose parts add up to no more than its whole. The loop run by the
+// game sleeps out its frames: six steps take six frames at least, and no step sleeps much more than
+// its frame (how closely it keeps its pace is bench_loop's to measure). A file that cannot be
+// written leaves the game running.
 TEST(FrameStats, VantorStatsWritesARowPerStepOfTheLoop) {
   const std::string folder = test::makeTempDir();
   setenv("VANTOR_STATS", (folder + "/stats.csv").c_str(), 1);

@@ -15,8 +15,7 @@ using vt::GameManager;
 
 namespace {
 
-// Starts the game headless through the harness, from a configuration file of
-// its own.
+// Starts the game headless through the harness, from a configuration file of its own.
 struct GameManagerTest : testing::Test {
   ~GameManagerTest() override { test::restoreEngineSettings(); }
   void startWith(const std::string& settings) {
@@ -48,10 +47,9 @@ TEST_F(GameManagerTest, StepsAreCountedAndGameOverFinishesTheIteration) {
   EXPECT_EQ(harness.logText().find("Can't keep up"), std::string::npos);
 }
 
-// Late frames are reported, but never the first step nor a step whose frame
-// restarted after a wait on purpose, as a pause's does. Steps 0 to 4 overrun
-// their frame; step 2 restarts it. (Step 3 is forgiven the oversleep of the
-// restarted frame before it, if there was any.)
+// Late frames are reported, but never the first step nor a step whose frame restarted after a wait
+// on purpose, as a pause's does. Steps 0 to 4 overrun their frame; step 2 restarts it. (Step 3 is
+// forgiven the oversleep of the restarted frame before it, if there was any.)
 TEST_F(GameManagerTest, LateFramesAreReportedButNotTheFirstNorARestartedOne) {
   startWith("frame_time:20,\n");
   RecordingObject::untilStep(5, [](int step) {

@@ -34,9 +34,8 @@ int countOf(const std::string& type) {
 
 }  // namespace
 
-// The pause's message is drawn in the centre of the screen in the step its
-// key comes in; a replay, which does not wait, shows it in that step's
-// frame. Without a message the pause draws nothing.
+// The pause's message is drawn in the centre of the screen in the step its key comes in; a replay,
+// which does not wait, shows it in that step's frame. Without a message the pause draws nothing.
 TEST(Pause, ItsMessageIsShownInTheCentreOfTheScreen) {
   vt::Harness harness;
   ASSERT_EQ(harness.startUp(), 0);

@@ -77,6 +77,7 @@ class RecorderTest : public testing::Test {
     harness.step(5);
     harness.releaseKey(vt::Keyboard::D);
     harness.tapKey(vt::Keyboard::P);
+    harness.tapKey(vt::Keyboard::BACKSPACE + 1);  // a key without a name
     harness.step(82);
     const Vector end = walkerPosition();
     EXPECT_EQ(harness.finishReplay(), 0);
@@ -89,11 +90,10 @@ class RecorderTest : public testing::Test {
 TEST_F(RecorderTest, ASessionReplaysAsPlayedAndTheFirstDifferenceIsNamed) {
   // The file's format is fixed by the shooter's recorded sessions.
   const Vector end = recordSession();
-  // The same game replayed, nothing fed by hand, ends where it did with its
-  // checks at their steps. A game that strides twice as far searches another
-  // path; a replay run past its end or stopped short fails. (A world that
-  // differs from its fingerprint fails the shooter's replay.) The walker's
-  // stride, the steps replayed and the failure ("" for none).
+  // The same game replayed, nothing fed by hand, ends where it did with its checks at their steps.
+  // A game that strides twice as far searches another path; a replay run past its end or stopped
+  // short fails. (A world that differs from its fingerprint fails the shooter's replay.) The
+  // walker's stride, the steps replayed and the failure ("" for none).
   const std::tuple<float, int, const char*> CASES[] = {
       {1, 90, ""},
       {2, 90, "step 8: path searches ran "},
@@ -193,8 +193,7 @@ TEST_F(RecorderTest, GoldenFramesShowEachCellAndNameWhatDiffers) {
   EXPECT_EQ(test::readFile(golden), drawn);
   harness.step();
   EXPECT_EQ(harness.checkFrame(golden), "");
-  // Moved one cell right: four cells differ in the characters, three in
-  // the colours.
+  // Moved one cell right: four cells differ in the characters, three in the colours.
   harness.clickMouse(vt::Mouse::LEFT, Vector(11, 10));
   harness.step();
   const std::string differences = harness.checkFrame(golden);

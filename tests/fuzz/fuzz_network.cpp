@@ -1,7 +1,6 @@
-// Framing on a live connection: the first input byte picks the cuts and the
-// reader's behaviour, the rest is what a raw peer on loopback sends. Every
-// whole message up to the first size out of range must be received once, in
-// order, and the peer's hang-up must close the connection after them.
+// Framing on a live connection: the first input byte picks the cuts and the reader's behaviour, the
+// rest is what a raw peer on loopback sends. Every whole message up to the first size out of range
+// must be received once, in order, and the peer's hang-up must close the connection after them.
 #include <arpa/inet.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>

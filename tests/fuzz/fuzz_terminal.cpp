@@ -1,7 +1,6 @@
-// Terminal input in pieces: the first byte picks the cuts, the rest is what
-// the terminal sends. The pieces must decode to the same events as the bytes
-// fed at once, every event must be one the engine knows, and an unfinished
-// sequence must give way within a short run of further bytes.
+// Terminal input in pieces: the first byte picks the cuts, the rest is what the terminal sends. The
+// pieces must decode to the same events as the bytes fed at once, every event must be one the
+// engine knows, and an unfinished sequence must give way within a short run of further bytes.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

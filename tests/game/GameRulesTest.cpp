@@ -1,6 +1,5 @@
-// The shooter's rules at the edges its recorded sessions do not reach: the
-// sessions, replayed in ShooterReplayTest, compare every object with the
-// recording every 30 steps.
+// The shooter's rules at the edges its recorded sessions do not reach: the sessions, replayed in
+// ShooterReplayTest, compare every object with the recording every 30 steps.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -16,9 +15,11 @@
 #include "GameStart.h"
 #include "Hero.h"
 #include "Points.h"
+#include "Reticle.h"
 #include "Setup.h"
 #include "core/GameManager.h"
 #include "extras/Harness.h"
+#include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/ResourceManager.h"
 #include "world/WorldManager.h"
@@ -70,28 +71,6 @@ class GameRules : public testing::Test {
 
 }  // namespace
 
-TEST_F(GameRules, TheBossComesOnceAfterTheScorePasses1000AndFallsOnThe401stHit) {
-  new Hero;
-  auto* p_points = new Points;
-  // Steps 1 to 4 are no multiples of 30: the score stays as set.
-  for (const auto& [score, bosses] : {std::pair(1000, 0), {1001, 1}, {5000, 1}, {5000, 1}}) {
-    p_points->setValue(score);
-    step();
-    EXPECT_EQ(countOf("Boss"), bosses) << score;
-  }
-  auto* p_boss = static_cast<Boss*>(allOf("Boss").at(0));
-  shootAt(p_boss, 400);
-  step();
-  EXPECT_EQ(std::tuple(p_boss->getHealth(), countOf("Bullet"), countOf("GameOver")),
-            std::tuple(0, 0, 0));
-  // The killing hit and a second bullet in the same step win only once.
-  shootAt(p_boss, 2);
-  step();
-  ASSERT_EQ(countOf("GameOver"), 1);
-  EXPECT_TRUE(static_cast<GameOver*>(allOf("GameOver").at(0))->getWin());
-  EXPECT_EQ(std::tuple(countOf("Boss"), countOf("Explosion")), std::tuple(0, 1));
-}
-
 TEST_F(GameRules, FiveNukesAGameDestroyEnemyBulletsOnlyFor200Each) {
   auto* p_hero = new Hero;
   auto* p_points = new Points;
@@ -124,9 +103,8 @@ TEST_F(GameRules, EveryDrelkDeletionScores10KillsAreReplacedAndTheLeftEdgeLeadsR
   world.markForDelete(p_survivor);
   step();
   EXPECT_EQ(p_points->getValue(), 20);
-  // Off the left edge a drelk starts again beyond the right one. That drelks
-  // start on a free column there, and that leaving by another edge changes
-  // nothing, the sessions show.
+  // Off the left edge a drelk starts again beyond the right one. That drelks start on a free column
+  // there, and that leaving by another edge changes nothing, the sessions show.
   auto* p_runner = new Drelk;
   p_runner->setPosition(Vector(2, 6));
   EXPECT_TRUE(harness.stepUntil([&] { return p_runner->getPosition().getX() > 80; }, 12));
@@ -150,9 +128,8 @@ TEST_F(GameRules, HeldKeysMoveTheHeroInsideItsBounds) {
 }
 
 TEST_F(GameRules, ADrelkAShotOrTheBossTouchingTheHeroLoses) {
-  // Each puts an enemy where the next step brings it onto the hero; the boss
-  // puts itself back on its spot every step, now over the hero. (A drelk's
-  // touch the sessions show.)
+  // Each puts an enemy where the next step brings it onto the hero; the boss puts itself back on
+  // its spot every step, now over the hero. (A drelk's touch the sessions show.)
   const std::function<void(vt::Object*)> THREATS[] = {
       [](vt::Object* p_hero) {
         (new EnemyBullet(p_hero->getPosition() - Vector(3, 2.5f)))->setVelocity(Vector(0, 1));
@@ -184,4 +161,15 @@ TEST_F(GameRules, EveryResourceLoadsAndQInPlayRemovesOnlyTheHero) {
   EXPECT_EQ(std::tuple(countOf("Hero"), countOf("Drelk"), countOf("GameOver")),
             std::tuple(0, 11, 0));
   EXPECT_FALSE(p_title->isActive() || vt::GameManager::getInstance().getGameOver());
+}
+
+// The game does not make one, but a reticle starts mid-view and follows the mouse.
+TEST_F(GameRules, TheReticleIsARedPlusWhereTheMouseMoved) {
+  new Reticle;
+  for (const Vector where : {Vector(40, 12), Vector(7, 3)}) {
+    step();
+    const auto cell = vt::DisplayManager::getInstance().getFrame().at(where.getX(), where.getY());
+    EXPECT_EQ(std::tuple(cell.ch, cell.r, cell.g, cell.b), std::tuple('+', 255, 0, 0));
+    harness.moveMouse(Vector(7, 3));
+  }
 }

@@ -95,10 +95,9 @@ TEST(ShooterReplay, RecordedSessionsUnfoldAsPlayed) {
   }
 }
 
-// A won game, played through the engine from the title: the score set past
-// 1000 brings the boss (its fight shows in the recorded boss fight), which
-// falls to bullets flown into it; the victory screen plays and the title
-// comes back.
+// A won game, played through the engine from the title: the boss comes once the score is past 1000
+// (its fight shows in the recorded boss fight) and falls on its 401st hit, however many come in
+// that step; the victory screen plays and the title comes back.
 TEST(ShooterReplay, AWonGameShowsTheBossItsFanTheVictoryAndTheTitle) {
   ASSERT_EQ(chdir(VANTOR_GAME_DIR), 0);
   vt::Harness harness;
@@ -109,12 +108,22 @@ TEST(ShooterReplay, AWonGameShowsTheBossItsFanTheVictoryAndTheTitle) {
   harness.tapKey(vt::Keyboard::P);
   harness.step();
   vt::WorldManager& world = vt::WorldManager::getInstance();
-  static_cast<Points*>(world.objectsOfType("Points")[0])->setValue(1001);
-  harness.step(26);
+  const auto countOf = [&world](const char* type) { return world.objectsOfType(type).getCount(); };
+  for (const auto& [score, steps, bosses] : {std::tuple(1000, 1, 0), {1001, 24, 1}}) {
+    static_cast<Points*>(world.objectsOfType("Points")[0])->setValue(score);
+    harness.step(steps);
+    EXPECT_EQ(countOf("Boss"), bosses) << score;
+  }
   const vt::Object* p_boss = world.objectsOfType("Boss")[0];
-  for (int i = 0; i < 401; i++)
-    (new Bullet(p_boss->getPosition() + vt::Vector(-3, 4)))->setVelocity(vt::Vector(0, -1.2f));
-  harness.step();
+  for (const int hits : {400, 2}) {
+    EXPECT_EQ(countOf("GameOver"), 0);
+    // From just below it: a bullet starts three cells right of where it is put.
+    const vt::Vector below(-3, p_boss->getBox().getVertical() / 2 + 1);
+    for (int i = 0; i < hits; i++)
+      (new Bullet(p_boss->getPosition() + below))->setVelocity(vt::Vector(0, -1.2f));
+    harness.step();
+  }
+  EXPECT_EQ(std::pair(countOf("GameOver"), countOf("Explosion")), std::pair(1, 1));
   expectLook(harness, {0, "won-victory.frame", 1111, "VictoryBGM"});
   const auto title_back = [&world] { return world.objectsOfType("GameOver").isEmpty(); };
   EXPECT_TRUE(harness.stepUntil(title_back, 1000));
@@ -175,9 +184,8 @@ TEST(ShooterReplay, TheGameReplaysFromTheEnvironmentAndNamesWhereItDiverged) {
   EXPECT_NE(said.find("VANTOR_RECORD and VANTOR_REPLAY are both set."), std::string::npos) << said;
 }
 
-// Killed at once, the game leaves in its log every line of the steps it
-// finished: its start-up, and what it wrote once the splash screen's steps
-// had run.
+// Killed at once, the game leaves in its log every line of the steps it finished: its start-up, and
+// what it wrote once the splash screen's steps had run.
 TEST(ShooterProcess, AGameKilledMidWayLeavesItsLogUpToItsLastStep) {
   const std::string folder = test::makeTempDir();
   const std::string log_file = folder + "/vantor.log";
@@ -227,9 +235,8 @@ const int COLUMNS = 80;
 const int ROWS = 24;
 const char* const SHIP = "<-/\\->";
 
-// The screen read with capture-pane -e, each row written from its first
-// column, shows the frame: every character, and every visible one in its
-// 24-bit colour.
+// The screen read with capture-pane -e, each row written from its first column, shows the frame:
+// every character, and every visible one in its 24-bit colour.
 bool showsFrame(const std::string& captured, const vt::CellFrame& frame) {
   test::VirtualTerminal screen(COLUMNS, ROWS);
   std::istringstream rows(captured);
@@ -256,10 +263,9 @@ int shipColumn(const test::TmuxSession& session) {
   return -1;
 }
 
-// The real game in tmux, paused and resumed at the title, played with the
-// mouse and a held key, the ship taken away with Q and the game ended with
-// Ctrl-C; the session, recorded, is then replayed to find the frames the
-// engine drew for every screen captured.
+// The real game in tmux, paused and resumed at the title, played with the mouse and a held key, the
+// ship taken away with Q and the game ended with Ctrl-C; the session, recorded, is then replayed to
+// find the frames the engine drew for every screen captured.
 TEST(TerminalPlay, TheShooterIsPlayedInATerminalShowingTheFramesTheEngineDrew) {
   const std::string folder = test::makeTempDir();
   const std::string recording = folder + "/play.vrec";

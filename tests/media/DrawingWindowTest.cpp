@@ -234,9 +234,8 @@ TEST_F(DrawingWindowTest, LinesShapesAndBackgroundsLayerInCallOrder) {
   EXPECT_GT(countPixels(coloured, sf::Color::Blue), 1024 * 768 - 2000);
 }
 
-// The window keeps its pixels between frames and each frame redraws only
-// what changed: after any run of frames it must show what a fresh window
-// shows for the last one.
+// The window keeps its pixels between frames and each frame redraws only what changed: after any
+// run of frames it must show what a fresh window shows for the last one.
 TEST_F(DrawingWindowTest, AFrameDrawnOverEarlierOnesLooksAsIfDrawnAlone) {
   std::mt19937 random(11);
   // Some cells differ from frame to frame: they come from random.
@@ -255,9 +254,8 @@ TEST_F(DrawingWindowTest, AFrameDrawnOverEarlierOnesLooksAsIfDrawnAlone) {
     for (int i = 0; i < 40; i++)
       display.drawCh(Vector(random() % 80, random() % 24), '@', vt::GREEN);
   };
-  // Frames alike but for a few cells, whole new frames, frames at half-cell
-  // positions, a line among the cells and a new background colour: seed,
-  // half cells, line and background of each.
+  // Frames alike but for a few cells, whole new frames, frames at half-cell positions, a line among
+  // the cells and a new background colour: seed, half cells, line and background of each.
   const std::tuple<unsigned int, bool, bool, vt::Color> steps[] = {
       {1, false, false, vt::BLACK}, {1, false, false, vt::BLACK}, {2, false, false, vt::BLACK},
       {2, true, false, vt::BLACK},  {3, false, true, vt::BLACK},  {3, false, false, vt::BLACK},

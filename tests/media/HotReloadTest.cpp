@@ -23,10 +23,9 @@ void writeSprite(const std::string& file, const std::string& color,
 
 }  // namespace
 
-// Off unless asked for. Asked for, the new frame shows at the next step (not
-// a blank for the frame the ship stood on) in the same sprite, and the box
-// takes the new size unless the object has one of its own. A broken edit
-// keeps the frames and says why.
+// Off unless asked for. Asked for, the new frame shows at the next step (not a blank for the frame
+// the ship stood on) in the same sprite, and the box takes the new size unless the object has one
+// of its own. A broken edit keeps the frames and says why.
 TEST(HotReload, AChangedSpriteShowsAtTheNextStepAndABrokenOneKeepsTheOld) {
   for (const bool asked : {false, true}) {
     SCOPED_TRACE(asked ? "asked for" : "not asked for");
@@ -45,8 +44,7 @@ TEST(HotReload, AChangedSpriteShowsAtTheNextStepAndABrokenOneKeepsTheOld) {
     const vt::Box own_box(vt::Vector(-0.4f, -0.4f), 0.8f, 0.8f);
     EXPECT_EQ(p_boxed->setBox(own_box), 0);
     harness.step();
-    // Saved as editors save, a new file renamed over the old one: one frame
-    // three cells wide.
+    // Saved as editors save, a new file renamed over the old one: one frame three cells wide.
     writeSprite(file + ".new", "red", {"<o>"});
     EXPECT_EQ(std::rename((file + ".new").c_str(), file.c_str()), 0);
     harness.step();

@@ -59,10 +59,9 @@ vt::EventKeyboard keyEvent(int key) {
   return event;
 }
 
-// What a window manager sends when the window's close button is pressed: a
-// WM_PROTOCOLS client message naming WM_DELETE_WINDOW, sent to the client
-// that made the window. Sent on a connection of its own, which is then
-// synchronised, so the server has passed it on before this returns.
+// What a window manager sends when the window's close button is pressed: a WM_PROTOCOLS client
+// message naming WM_DELETE_WINDOW, sent to the client that made the window. Sent on a connection of
+// its own, which is then synchronised, so the server has passed it on before this returns.
 bool sendCloseRequest(sf::WindowHandle window) {
   Display* p_display = XOpenDisplay(nullptr);
   if (p_display == nullptr) return false;

@@ -133,9 +133,8 @@ TEST_F(SoundTest, ManagerHoldsSoundsAndMusicByLabelWhileStarted) {
   EXPECT_EQ(rm.loadMusic(song, "one-too-many"), -1);
 }
 
-// Files that are not RIFF WAVE files are refused with SFML's reason ('@'
-// stands for the path), broken or unsupported WAV files with the reader's;
-// the manager's line follows.
+// Files that are not RIFF WAVE files are refused with SFML's reason ('@' stands for the path),
+// broken or unsupported WAV files with the reader's; the manager's line follows.
 TEST_F(SoundTest, BadSoundFilesAreRefusedWithTheirLogLines) {
   const std::string good = wavBytes(100);
   const std::string unsupported = "SFML: Failed to open sound file \"@\" (format not supported)";

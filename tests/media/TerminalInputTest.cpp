@@ -192,9 +192,8 @@ TEST(TerminalControls, KeysAndButtonsAreHeldUntilReleasedOrTheirRepeatsStop) {
         {first_wait, {key(D)}, first_wait + gap, "down D"},
         {0, {}, first_wait + gap + 1, "released D"},
         {0, {}, first_wait + 2 * gap, ""}});
-  // Never repeated: released once the wait for the first repeat is over.
-  // Another key typed releases the first at once: only the last key pressed
-  // repeats. A key the protocol reports stays held.
+  // Never repeated: released once the wait for the first repeat is over. Another key typed releases
+  // the first at once: only the last key pressed repeats. A key the protocol reports stays held.
   play({{0, {key(D)}, 0, "pressed D, down D"},
         {0, {}, first_wait + 1, "released D"},
         {800, {key(D), press(A)}, 800, "pressed D, pressed A, down A, down D"},

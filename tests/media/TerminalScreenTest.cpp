@@ -115,7 +115,9 @@ TEST(TerminalScreen, ChoosesColoursByWhatTheTerminalSaysAndMapsTheNamedOnes) {
     screen.setColorMode(TerminalScreen::COLORS_256);
     EXPECT_EQ(sequenceOf(screen, color, false), std::string("\x1b[48;5;") + two_fifty_six + "m");
   }
-  EXPECT_EQ(screen.colorSequence(128, 128, 128, true), "\x1b[38;5;244m") << "greys on the ramp";
+  EXPECT_EQ(screen.colorSequence(128, 128, 128, true) + screen.colorSequence(247, 247, 247, true),
+            "\x1b[38;5;244m\x1b[38;5;231m")
+      << "greys on the ramp, and past its top step the cube's white";
 }
 
 }  // namespace

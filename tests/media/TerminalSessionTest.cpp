@@ -20,8 +20,7 @@ const char* const MODES_OF_A_GAME = "10110";
 
 struct WayOut {
   const char* name;
-  // How the probe game ends by itself ("end", "throw"), or "wait" for the test
-  // or "hang" in a step.
+  // How the probe game ends by itself ("end", "throw"), or "wait" for the test or "hang" in a step.
   const char* ending;
   // Keys typed, or a signal sent, to end it.
   const char* keys;
@@ -77,9 +76,8 @@ TEST(TerminalSession, EveryWayOutGivesTheTerminalItsModesBack) {
     EXPECT_EQ(session.paneFormat(MODES), MODES_OF_A_GAME);
     if (std::string(way.keys) == "q") expectResizesShowTheGameAfresh(session);
     EXPECT_TRUE(*way.keys == '\0' || session.sendKeys(way.keys));
-    // Stuck at the start of its 30th step, before that step shows what the
-    // 29th drew, the probe shows its 28th for good; it does not notice the
-    // first interrupt.
+    // Stuck at the start of its 30th step, before that step shows what the 29th drew, the probe
+    // shows its 28th for good; it does not notice the first interrupt.
     const bool stuck = std::string(way.ending) == "hang";
     ASSERT_TRUE(!stuck || test::waitFor([&] { return session.shows("probe step 28"); }, 30));
     for (int sent = 0; *way.signal != '\0' && sent < (stuck ? 2 : 1); sent++) {

@@ -11,8 +11,7 @@ namespace test {
 // A fresh temporary folder, removed when the process exits.
 std::string makeTempDir();
 std::string readFile(const std::string& path);
-// Asks again every 10 ms until the condition holds or the seconds are up;
-// true when it held.
+// Asks again every 10 ms until the condition holds or the seconds are up; true when it held.
 bool waitFor(const std::function<bool()>& condition, double seconds = 10);
 // Writes the text as a configuration file of a fresh temporary folder and
 // names it in VANTOR_CONFIG; returns its path.
@@ -25,11 +24,10 @@ std::string frameRow(const vt::Harness& harness, int row);
 // environment overrides of the configuration and log files.
 void restoreEngineSettings();
 
-// The engine started in part, its log in a temporary folder: the log alone
-// (with the test font, flushed line by line, for tests that open a window),
-// the log and the world, or those and the resource manager (its log lines
-// without time or step count). The destructor stops what it started and puts
-// every setting back.
+// The engine started in part, its log in a temporary folder: the log alone (with the test font,
+// flushed line by line, for tests that open a window), the log and the world, or those and the
+// resource manager (its log lines without time or step count). The destructor stops what it started
+// and puts every setting back.
 class HeadlessEngine {
  public:
   enum Managers { LOG_ONLY, WORLD, WORLD_AND_RESOURCES };

@@ -13,8 +13,7 @@
 
 namespace test {
 
-// An object that remembers every event it receives and can run a hook
-// from its handler.
+// An object that remembers every event it receives and can run a hook from its handler.
 class RecordingObject : public vt::Object {
  public:
   // Registered for the event types given.
@@ -32,8 +31,7 @@ class RecordingObject : public vt::Object {
   int count(const std::string& event_type) const {
     return static_cast<int>(std::count(received.begin(), received.end(), event_type));
   }
-  // "step <count>", "key <action> <key>", "mouse <action> <button> (<x>,<y>)"
-  // or the event's type.
+  // "step <count>", "key <action> <key>", "mouse <action> <button> (<x>,<y>)" or the event's type.
   static std::string describe(const vt::Event* p_event) {
     if (const auto* p_step = dynamic_cast<const vt::EventStep*>(p_event))
       return "step " + std::to_string(p_step->getStepCount());

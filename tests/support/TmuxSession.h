@@ -11,9 +11,8 @@ namespace test {
 // size. Keys are typed with send-keys; the screen is read with capture-pane.
 class TmuxSession {
  public:
-  // Starts the shell command in a session named after this process. The
-  // command's exit status is written to statusFile(); the pane stays open
-  // after it ends, so its modes can still be read.
+  // Starts the shell command in a session named after this process. The command's exit status is
+  // written to statusFile(); the pane stays open after it ends, so its modes can still be read.
   TmuxSession(const std::string& command, int columns, int rows);
   ~TmuxSession() { succeeds("kill-server"); }
   TmuxSession(const TmuxSession&) = delete;

@@ -8,9 +8,8 @@
 
 namespace test {
 
-// A terminal as far as the engine's screen output, or tmux's capture of a
-// screen, needs one: cursor moves, colours, clearing, and characters written
-// without wrapping.
+// A terminal as far as the engine's screen output, or tmux's capture of a screen, needs one: cursor
+// moves, colours, clearing, and characters written without wrapping.
 class VirtualTerminal {
  public:
   struct Cell {

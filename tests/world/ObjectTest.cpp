@@ -72,9 +72,8 @@ TEST(Object, FollowsItsPathTakingCloseWaypointsAtOnce) {
   }
 }
 
-// After each change the object is in exactly the lists its attributes call
-// for; inactive objects leave every list but the inactive one and come back
-// with the attributes changed meanwhile.
+// After each change the object is in exactly the lists its attributes call for; inactive objects
+// leave every list but the inactive one and come back with the attributes changed meanwhile.
 TEST(SceneGraph, ListsFollowTheObjectsAttributes) {
   test::HeadlessEngine engine;
   vt::SceneGraph& graph = vt::WorldManager::getInstance().getSceneGraph();
@@ -171,9 +170,8 @@ TEST(ObjectSerialization, WritesEveryGroupOnceThenWhatChangedOrWasNamedAndCopies
   EXPECT_EQ(p_object->serialize(),
             "event_count:1,event_name[0]:nuke,pos-x:3.25,pos-y:-4,x_direction:0.5,y_direction:0."
             "25,speed:3,path:3 4|5.5 4|,path_index:2,");
-  // Named groups are written whether modified or not; the others keep their
-  // flags. Without its trailing comma the last name matches nothing, and the
-  // log names the mistake.
+  // Named groups are written whether modified or not; the others keep their flags. Without its
+  // trailing comma the last name matches nothing, and the log names the mistake.
   p_object->setAltitude(3);
   EXPECT_EQ(p_object->serialize("SPEED,POSITION,"), "pos-x:3.25,pos-y:-4,speed:3,");
   EXPECT_EQ(p_object->serialize("ID,ALTITUDE"), "id:" + id + ",");
@@ -189,8 +187,7 @@ TEST(ObjectSerialization, WritesEveryGroupOnceThenWhatChangedOrWasNamedAndCopies
   // The last setter starts the object on its path.
   for (const auto& setter : SETTERS) setter.first(*p_source);
   for (const char* event : {"nuke", "phase"}) p_source->registerInterest(event);
-  // Colours go out as names but are read back as numbers: only Black, 0,
-  // comes back as it went.
+  // Colours go out as names but are read back as numbers: only Black, 0, comes back as it went.
   vt::Animation animation;
   animation.setIndex(2);
   EXPECT_EQ(p_source->setAnimation(animation, false), 0);

@@ -117,9 +117,8 @@ TEST_F(PathFindTest, PathsAreCheapestAndEndWithoutAPathWhenThereIsNone) {
     ASSERT_EQ(harness.startUp(), 0);
     world.setBoundary(vt::Box(Vector(0, 0), W, H));
     std::srand(static_cast<unsigned>(layout));
-    // Denser layouts later on, so that some block the way completely; one
-    // object in eight is SOFT or SPECTRAL, which never blocks. Odd layouts
-    // are searched in four directions only.
+    // Denser layouts later on, so that some block the way completely; one object in eight is SOFT
+    // or SPECTRAL, which never blocks. Odd layouts are searched in four directions only.
     std::vector<bool> blocked(W * H, false), taken(W * H, false);
     for (int walls = 0; walls < 60 + layout * 4;) {
       const int x = std::rand() % W, y = std::rand() % H, kind = std::rand() % 16;
