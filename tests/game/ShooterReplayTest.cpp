@@ -161,6 +161,14 @@ TEST(ShooterReplay, TheGameReplaysFromTheEnvironmentAndNamesWhereItDiverged) {
   EXPECT_NE(logged.find("replaying 319 steps of '" + defeat + "' as fast as the loop runs."),
             std::string::npos);
   EXPECT_EQ(logged.find("Cannot pause"), std::string::npos) << logged;
+  // Every sound the game asked for, as often as it did.
+  std::map<std::string, int> sounds;
+  const std::regex asked("Looking for sound '([^']*)'");
+  for (std::sregex_iterator at(logged.begin(), logged.end(), asked), end; at != end; ++at)
+    sounds[(*at)[1]]++;
+  EXPECT_EQ(sounds,
+            (std::map<std::string, int>{
+                {"enemydead", 9}, {"enemyhit", 15}, {"fire", 18}, {"game over", 1}, {"nuke", 1}}));
   // At the recorded pace on request: three seconds of splash and title.
   const std::string splash = SESSIONS + "/splash-runs-out.vrec";
   EXPECT_EQ(replayShooter(splash, said, logged, "", "VANTOR_REPLAY_PACED=1"), 0);
