@@ -132,8 +132,7 @@ int SceneGraph::updateSolidness(Object* p_object, Solidness new_solidness) {
     }
     return 0;
   }
-  if (!p_object->isSolid() && (new_solidness == HARD || new_solidness == SOFT))
-    addSolid(p_object);
+  if (!p_object->isSolid() && (new_solidness == HARD || new_solidness == SOFT)) addSolid(p_object);
   return 0;
 }
 
