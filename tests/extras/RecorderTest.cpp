@@ -144,6 +144,7 @@ TEST_F(RecorderTest, BadRecordingsAreRefusedWithTheirReason) {
       {"vantor-recording 1\nengine 4.17\nframe_time fast\n", "line 3: the header is incomplete"},
       {header + "3 press:D\n", "line 7: the recording is cut short (no end line)"},
       {header + "3 jump:D\nend 9\n", "line 7: unknown event 'jump:D'"},
+      {header + "3 press:\nend 9\n", "line 7: unknown event 'press:'"},
       {header + "3 click:left@nan,1\nend 9\n", "unknown event 'click:left@nan,1'"},
       {header + "3 world:0123456789abcdef0/2\nend 9\n",
        "unknown event 'world:0123456789abcdef0/2'"},

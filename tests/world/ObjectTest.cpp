@@ -66,14 +66,14 @@ TEST(Object, FollowsItsPathTakingCloseWaypointsAtOnce) {
       vt::WorldManager::getInstance().update();
       EXPECT_EQ(p_object->getPosition(), expected);
     }
-    EXPECT_FALSE(p_object->getFollowPath());
-    EXPECT_TRUE(p_object->getDirection().isZero());
-    EXPECT_TRUE(p_object->getPath().empty());
+    EXPECT_TRUE(!p_object->getFollowPath() && p_object->getDirection().isZero() &&
+                p_object->getPath().empty());
   }
 }
 
 // After each change the object is in exactly the lists its attributes call for; inactive objects
-// leave every list but the inactive one and come back with the attributes changed meanwhile.
+// leave every list but the inactive one and come back with the attributes changed meanwhile. An
+// invisible object, in no layer to be taken from, keeps its altitude.
 TEST(SceneGraph, ListsFollowTheObjectsAttributes) {
   test::HeadlessEngine engine;
   vt::SceneGraph& graph = vt::WorldManager::getInstance().getSceneGraph();
@@ -90,6 +90,7 @@ TEST(SceneGraph, ListsFollowTheObjectsAttributes) {
       {[&] { return p->setAltitude(4); }, 0, true, true, false, true, true},
       {[&] { return p->setAltitude(5); }, -1, true, true, false, true, true},
       {[&] { return p->setVisible(false); }, 0, true, true, false, false, true},
+      {[&] { return p->setAltitude(3); }, -1, true, true, false, false, true},
       {[&] { return p->setVisible(true); }, 0, true, true, false, true, true},
       {[&] { return p->setActive(false); }, 0, false, false, false, false, false},
       {[&] { return p->setSolidness(vt::SPECTRAL); }, 0, false, false, false, false, false},
