@@ -37,7 +37,7 @@ class SpriteLoader {
 
   // The lines of one section, opening and closing lines left out; empty
   // (after logging) when the section is missing, unclosed or holds a blank
-  // line.
+  // line, and empty without a word when the section is.
   LineList readData(const std::string& tag);
   // One frame of the body, consumed from the front of lines; an empty frame
   // (after logging) when the rows or their closing "end" are wrong.
