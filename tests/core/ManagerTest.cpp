@@ -89,6 +89,7 @@ TEST(Manager, AStartTooManyOrACallBeforeTheStartIsRefused) {
                             {resources.unloadMusic("tune"), -1},
                             {paths.cycle(10), 0},
                             {paths.cycleTurns(10), 0},
+                            {paths.insert(nullptr), -1},
                             {network.setServer(true, "0"), -1},
                             {network.connect("localhost", "1"), -1},
                             {network.isData(0), -1}};

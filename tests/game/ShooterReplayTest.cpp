@@ -1,7 +1,6 @@
 // The shooter replaying its recorded sessions, in this process and as a
 // process of its own, and played in a terminal.
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -190,35 +189,6 @@ TEST(ShooterReplay, TheGameReplaysFromTheEnvironmentAndNamesWhereItDiverged) {
             "'/nonexistent.vrec'.");
   EXPECT_EQ(replayShooter(defeat, said, logged, "", "VANTOR_RECORD=" + folder + "/new.vrec"), 1);
   EXPECT_NE(said.find("VANTOR_RECORD and VANTOR_REPLAY are both set."), std::string::npos) << said;
-}
-
-// Killed at once, the game leaves in its log every line of the steps it finished: its start-up, and
-// what it wrote once the splash screen's steps had run.
-TEST(ShooterProcess, AGameKilledMidWayLeavesItsLogUpToItsLastStep) {
-  const std::string folder = test::makeTempDir();
-  const std::string log_file = folder + "/vantor.log";
-  const std::string command = "cd " VANTOR_GAME_DIR
-                              " && exec env VANTOR_HEADLESS=1 ALSOFT_DRIVERS=null VANTOR_LOG=" +
-                              log_file + " ./shooter > /dev/null 2>&1";
-  const pid_t pid = fork();
-  if (pid == 0) {
-    execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
-    _exit(127);
-  }
-  ASSERT_GT(pid, 0);
-  const std::string after_splash = " Pause::Pause(): Pause enabled.";
-  const bool shown = test::waitFor(
-      [&] { return test::readFile(log_file).find(after_splash) != std::string::npos; }, 60);
-  kill(pid, SIGKILL);
-  int status = 0;
-  waitpid(pid, &status, 0);
-  ASSERT_TRUE(shown) << test::readFile(log_file);
-  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
-  const std::string log = test::readFile(log_file);
-  EXPECT_NE(log.find("    0 ** Game engine started **\n"), std::string::npos) << log;
-  // The line's stamp is the step it was written in: steps ran before the kill.
-  const std::size_t line = log.rfind('\n', log.find(after_splash)) + 1;
-  EXPECT_GT(std::stoi(log.substr(line + 9)), 0) << log;
 }
 
 // Started from a folder without its font and configuration, the game says

@@ -57,11 +57,8 @@ class RecordingObject : public vt::Object {
     return p_object;
   }
 
-  // Event types received, in order.
   std::vector<std::string> received;
-  // Step counts of the "vt-step" events received.
   std::vector<int> steps;
-  // Every event received, described.
   std::vector<std::string> seen;
   // Called for every event after it is recorded.
   std::function<void(const vt::Event*)> on_event;
