@@ -75,6 +75,8 @@ class DisplayManager : public Manager {
   sf::RenderWindow* getWindow() const { return p_window.get(); }
   // True when the game is shown in a terminal.
   bool isTerminal() const { return terminal; }
+  // True when the window keeps last frame's pixels and a frame redraws only the cells that changed.
+  bool keepsPixels() const { return p_back_buffer_copy != nullptr; }
 
  private:
   DisplayManager();

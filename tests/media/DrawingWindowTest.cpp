@@ -237,6 +237,7 @@ TEST_F(DrawingWindowTest, LinesShapesAndBackgroundsLayerInCallOrder) {
 // The window keeps its pixels between frames and each frame redraws only what changed: after any
 // run of frames it must show what a fresh window shows for the last one.
 TEST_F(DrawingWindowTest, AFrameDrawnOverEarlierOnesLooksAsIfDrawnAlone) {
+  ASSERT_TRUE(display.keepsPixels()) << "Mesa's drivers, the software one included, keep them";
   std::mt19937 random(11);
   // Some cells differ from frame to frame: they come from random.
   const auto drawScreen = [&](unsigned int seed, bool fractional) {
