@@ -1,5 +1,3 @@
-// The shooter replaying its recorded sessions, in this process and as a
-// process of its own, and played in a terminal.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>

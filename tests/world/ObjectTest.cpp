@@ -157,9 +157,11 @@ TEST(ObjectSerialization, WritesEveryGroupOnceThenWhatChangedOrWasNamedAndCopies
                 "x_acceleration:0,y_acceleration:0,shape:-1,size:1,color:White,opacity:255,"
                 "follow_path:false,path:,path_index:0,avoid_collisions:false,");
   // Setting a value an object already has changes nothing, and is no failure.
-  EXPECT_EQ(p_object->setAltitude(2), 0);
-  p_object->setPosition(Vector(1, 1));
-  EXPECT_EQ(p_object->setActive(true) + p_object->setVisible(true) + p_object->setNoSoft(false), 0);
+  Object& o = *p_object;
+  EXPECT_EQ(o.setPosition(Vector(1, 1)) + o.setAltitude(2) + o.setActive(true) +
+                o.setVisible(true) + o.setNoSoft(false) + o.setType("(Undefined)") +
+                o.setSolidness(vt::HARD) + o.setAvoidCollisions(false) + o.setBox(o.getBox()),
+            0);
   EXPECT_EQ(p_object->serialize(), "");
   EXPECT_FALSE(p_object->isModified(vt::POSITION));
   EXPECT_EQ(p_object->serialize("ALL"), everything);
