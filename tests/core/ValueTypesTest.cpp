@@ -7,7 +7,7 @@ using vt::Box;
 using vt::Vector;
 
 // The shapes the world tests for collisions: edges and corners count.
-TEST(ValueTypes, BoxesMeetPointsBoxesCirclesAndLinesAtTheirEdges) {
+TEST(ValueTypes, BoxesMeetPointsBoxesCirclesAndSegmentsAtTheirEdges) {
   const Box box(Vector(0, 0), 2, 2);
   EXPECT_TRUE(vt::boxContainsPosition(box, Vector(2, 0)));
   EXPECT_FALSE(vt::boxContainsPosition(box, Vector(2.01f, 1)));
@@ -20,10 +20,17 @@ TEST(ValueTypes, BoxesMeetPointsBoxesCirclesAndLinesAtTheirEdges) {
   EXPECT_FALSE(vt::boxIntersectsCircle(box, vt::Circle(Vector(3, 3), 1.4f)));
   EXPECT_TRUE(vt::boxIntersectsCircle(box, vt::Circle(Vector(3, 3), 1.5f)));
   // A negative extent reaches back from the corner.
-  const Box backwards(Vector(2, 2), -2, -2);
-  EXPECT_TRUE(vt::boxIntersectsCircle(backwards, vt::Circle(Vector(-1, 1), 1)));
-  EXPECT_TRUE(vt::boxIntersectsLine(box, vt::Line(Vector(-1, -1), Vector(3, 3))));
-  EXPECT_FALSE(vt::boxIntersectsLine(box, vt::Line(Vector(-3, 0), Vector(-1, 2))));
-  // The segment stops short of the box.
-  EXPECT_FALSE(vt::boxIntersectsLine(box, vt::Line(Vector(5, 1), Vector(2.5f, 1))));
+  EXPECT_TRUE(vt::boxIntersectsCircle(Box(Vector(2, 2), -2, -2), vt::Circle(Vector(-1, 1), 1)));
+  // A segment between whole points around the box meets it where a walk along it does, in 840
+  // steps: a multiple of every slope's denominator here, so that a touch falls on a step.
+  for (int i = 0; i < 9 * 9 * 9 * 9; i++) {
+    const int x1 = i % 9 - 3, y1 = i / 9 % 9 - 3, x2 = i / 81 % 9 - 3, y2 = i / 729 - 3;
+    bool walked_in = false;
+    for (int k = 0; k <= 840 && !walked_in; k++) {
+      const int x = x1 * 840 + k * (x2 - x1), y = y1 * 840 + k * (y2 - y1);
+      walked_in = x >= 0 && x <= 2 * 840 && y >= 0 && y <= 2 * 840;
+    }
+    const vt::Line segment(Vector(x1, y1), Vector(x2, y2));
+    ASSERT_EQ(vt::boxIntersectsLine(box, segment), walked_in) << "segment " << i;
+  }
 }

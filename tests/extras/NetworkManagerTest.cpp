@@ -179,9 +179,14 @@ TEST_F(NetworkManagerTest, ClientsBeyondTheLimitAreRefusedCloseRenumbersTheOther
   // Closing all closes the first, and then the third of those renumbered.
   EXPECT_EQ(network_manager.closeAll(), 0);
   EXPECT_EQ(network_manager.getNumConnections(), 1);
-  // That one, C, resets: a failed read is an error, not a message of no bytes.
-  peers[2].close(true);
+  // Sending it no bytes is no failure, but a count of bytes out of range is refused. Then C resets:
+  // a failed read is an error, not a message of no bytes.
   char buffer[4];
+  EXPECT_EQ(
+      std::vector<int>({network_manager.send(0, buffer, 0), network_manager.send(0, buffer, -1),
+                        network_manager.receive(0, buffer, MAX_MESSAGE_SIZE + 1)}),
+      std::vector<int>({0, -1, -1}));
+  peers[2].close(true);
   EXPECT_EQ(network_manager.receive(0, buffer, 4), -1);
   EXPECT_NE(engine.logText().find("\t104 - Connection reset by peer\n"), std::string::npos);
   // No such connection, no such service, nobody at the port, no such event label: refused.
