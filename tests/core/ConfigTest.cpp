@@ -48,8 +48,9 @@ TEST(Config, EveryKeyIsReadFromTheFileNamedByTheEnvironmentOrATextGiven) {
                            "Log file: my.log\n", "seed: -1\n", "Networking: true\n"}) {
     EXPECT_NE(engine.logText().find(line), std::string::npos) << line;
   }
-  EXPECT_EQ(std::make_pair(config.getFontScale(), config.getDisplay()),
-            std::make_pair(1.5f, std::string("terminal")));
+  // A game reads its own keys, or any other, from the same text.
+  EXPECT_EQ(std::tuple(config.getFontScale(), config.getDisplay(), config.match("logfile")),
+            std::tuple(1.5f, std::string("terminal"), std::string("my.log")));
 }
 
 // Given an empty text, match searches the last text it was given again.

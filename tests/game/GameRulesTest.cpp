@@ -11,7 +11,6 @@
 #include "Bullet.h"
 #include "Drelk.h"
 #include "EnemyBullet.h"
-#include "EventNuke.h"
 #include "Explosion.h"
 #include "GameOver.h"
 #include "GameStart.h"
@@ -26,7 +25,6 @@
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
 #include "media/EventMouse.h"
-#include "media/EventView.h"
 #include "media/ResourceManager.h"
 #include "world/EventOut.h"
 #include "world/WorldManager.h"
@@ -179,29 +177,29 @@ TEST_F(GameRules, TheReticleIsARedPlusWhereTheMouseMoved) {
   }
 }
 
-// Every object answers 1 for the events it handles and 0 for the others, which a subclass that
-// passes events on to its base relies on. Columns: step, out, a key, a mouse move, a score change,
-// a nuke.
-TEST_F(GameRules, EachObjectAnswersWhetherItHandledTheEvent) {
+// Each object is made at its altitude and with its solidness (type@altitude/solidness), and answers
+// 1 for the events it handles and 0 for the others, which a subclass that passes events on to its
+// base relies on: step, out, a key, a mouse move.
+TEST_F(GameRules, EachObjectIsMadeAsItsRoleWantsAndAnswersWhetherItHandledTheEvent) {
   vt::EventMouse move;
   move.setMouseAction(vt::MOVED);
   const vt::EventStep stepped;
   const vt::EventOut out;
   const vt::EventKeyboard key;
-  const vt::EventView scored("Points", 1, true);
-  const EventNuke nuke;
-  const vt::Event* const EVENTS[] = {&stepped, &out, &key, &move, &scored, &nuke};
+  const vt::Event* const EVENTS[] = {&stepped, &out, &key, &move};
   vt::Object* const OBJECTS[] = {
       new Hero,      new Points,          new Boss,      new Bullet({}),
       new Drelk,     new EnemyBullet({}), new Explosion, new GameOver(false),
       new GameStart, new Reticle,         new Star};
   std::string answers;
   for (vt::Object* p_object : OBJECTS) {
-    answers += " " + p_object->getType() + ":";
+    answers += " " + p_object->getType() + "@" + std::to_string(p_object->getAltitude()) + "/" +
+               std::to_string(p_object->getSolidness()) + ":";
     for (const vt::Event* p_event : EVENTS)
       answers += std::to_string(p_object->eventHandler(p_event));
   }
   EXPECT_EQ(answers,
-            " Hero:101100 Points:100011 Boss:100000 Bullet:010000 Drelk:110000 EnemyBullet:010001 "
-            "Explosion:100000 GameOver:100000 GameStart:001000 Reticle:000100 Star:010000");
+            " Hero@2/0:1011 Points@4/2:1000 Boss@2/0:1000 Bullet@2/1:0100 Drelk@2/0:1100 "
+            "EnemyBullet@2/1:0100 Explosion@2/2:1000 GameOver@4/2:1000 GameStart@4/2:0010 "
+            "Reticle@4/2:0001 Star@0/2:0100");
 }
