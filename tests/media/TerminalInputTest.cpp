@@ -102,6 +102,7 @@ const std::pair<std::string, Events> CASES[] = {
      {key(K::Q), key(K::E), key(K::R), key(K::T), key(K::Y)}},
     {ESC + "]0;title" + ESC + "[B" + CSI + "1;" + ESC + "OA" + ESC + "O\x01" + "u",
      {key(K::DOWNARROW), key(K::UPARROW), key(K::U)}},
+    {CSI + "<0;5;8;9M" + CSI + "<0;5M" + "w", {key(K::W)}},
 };
 
 TEST(TerminalInputTest, DecodesWholeAndByteByByte) {
