@@ -37,7 +37,7 @@ class SpriteLoader {
 
   // The lines of one section, opening and closing lines left out; empty
   // (after logging) when the section is missing, unclosed or holds a blank
-  // line, and empty without a word when the section is.
+  // line, and empty with nothing logged when the section itself is empty.
   LineList readData(const std::string& tag);
   // One frame of the body, consumed from the front of lines; an empty frame
   // (after logging) when the rows or their closing "end" are wrong.
