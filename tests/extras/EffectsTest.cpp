@@ -8,10 +8,14 @@
 
 #include "core/Config.h"
 #include "core/GameManager.h"
+#include "extras/Firework.h"
 #include "extras/Harness.h"
 #include "extras/Particle.h"
 #include "extras/Particles.h"
 #include "extras/Pause.h"
+#include "extras/Precipitation.h"
+#include "extras/Splash.h"
+#include "extras/SplashVantor.h"
 #include "extras/Timers.h"
 #include "media/EventKeyboard.h"
 #include "media/EventMouse.h"
@@ -94,18 +98,23 @@ TEST(Particles, PresetsSprayTheirCountAndLiveTheirLives) {
   // A particle that leaves the world goes before its life ends.
   new vt::Particle(Vector(495, 0), Vector(10, 0), '*', vt::RED, 100);
   EXPECT_EQ(runSteps(2), 0);
-  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SNOW, Vector(), 1.0f, vt::WHITE), 0);
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SNOW, Vector(), 1.0f, vt::WHITE, 4), 0);
   EXPECT_EQ(runSteps(29, "Precipitation"), 1);
   // Snow falls for 30 steps, drifting sideways a tenth of a cell a step at most; a rocket
-  // climbs and bursts; unknown presets are refused.
+  // climbs and bursts; both at the altitude given. Unknown presets and altitudes are refused.
   EXPECT_GT(countOf("Particle"), 0);
   for (const vt::Object* p_flake : WorldManager::getInstance().objectsOfType("Particle"))
     EXPECT_LE(std::fabs(p_flake->getVelocity().getX()), 0.1001f);
   EXPECT_EQ(runSteps(1, "Precipitation"), 0);
-  ASSERT_EQ(vt::addParticles(vt::PARTICLE_FIREWORK, origin, 1.0f, vt::CYAN), 0);
+  runSteps(80);
+  ASSERT_EQ(vt::addParticles(vt::PARTICLE_FIREWORK, origin, 1.0f, vt::CYAN, 4), 0);
   EXPECT_EQ(runSteps(20, "Firework"), 0);
   EXPECT_GT(countOf("Particle"), 0);
-  EXPECT_EQ(vt::addParticles(42, Vector(), 1.0f, vt::WHITE), -1);
+  for (const vt::Object* p_particle : WorldManager::getInstance().objectsOfType("Particle"))
+    EXPECT_EQ(p_particle->getAltitude(), 4);
+  EXPECT_EQ(vt::addParticles(42, Vector(), 1.0f, vt::WHITE) +
+                vt::addParticles(vt::PARTICLE_BURST, Vector(), 1.0f, vt::RED, 5),
+            -2);
   // Their colour fades from their own to the background's over their life.
   unsigned char rgb[3];
   vt::Config& config = vt::Config::getInstance();
@@ -132,33 +141,18 @@ TEST(Particles, EachPresetLooksAsItsGoldenFrame) {
   }
 }
 
-// Particles are drawn under an altitude-4 banner by default and over it at
-// altitude 4; a firework's burst and snow's flakes take the altitude given.
-TEST(Particles, AnAltitudeOf4DrawsThemOverABanner) {
+TEST(EngineObjects, EachIsMadeAsItsRoleWantsAndAnswersWhetherItHandledTheEvent) {
   vt::Harness harness;
   ASSERT_EQ(harness.startUp(), 0);
-  auto* p_banner = new vt::ViewObject;
-  p_banner->setBorder(false);
-  p_banner->setDrawValue(false);
-  p_banner->setViewString(std::string(21, '='));
-  p_banner->setLocation(vt::CENTER_CENTER);
-  harness.step();
-  const std::string banner = harness.frameText();
-  std::srand(1);
-  const Vector middle = p_banner->getPosition();
-  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SPARKLE, middle, 2.0f, vt::GREEN), 0);
-  harness.step();
-  EXPECT_EQ(harness.frameText(), banner);
-  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SPARKLE, middle, 2.0f, vt::GREEN, 4), 0);
-  harness.step();
-  EXPECT_NE(harness.frameText(), banner);
-  ASSERT_EQ(vt::addParticles(vt::PARTICLE_FIREWORK, middle, 1.0f, vt::CYAN, 4), 0);
-  ASSERT_EQ(vt::addParticles(vt::PARTICLE_SNOW, Vector(), 1.0f, vt::WHITE, 4), 0);
-  harness.step(20);
-  ASSERT_GT(countOf("Particle"), 0);
-  for (const vt::Object* p_particle : WorldManager::getInstance().objectsOfType("Particle"))
-    EXPECT_EQ(p_particle->getAltitude(), 4);
-  EXPECT_EQ(vt::addParticles(vt::PARTICLE_BURST, Vector(), 1.0f, vt::RED, 5), -1);
+  EXPECT_EQ(
+      test::describeRoles({new vt::Object, new vt::Particle({}, {}, '*', vt::RED, 9),
+                           new vt::Firework({}, vt::RED, 1, 5, 7),
+                           new vt::Precipitation(vt::RED, 1, true, 5, -1),
+                           new vt::Pause(vt::Keyboard::F10), new vt::Timers, new vt::InputActions,
+                           new vt::ViewObject, new vt::Splash, new vt::SplashVantor({})}),
+      "(Undefined)@2/0:00000 Particle@3/2:11000 Firework@3/2:11000 Precipitation@3/2:10000 "
+      "Pause@2/2:00100 Timers@2/2:10000 InputActions@2/2:10110 ViewObject@4/2:00001 "
+      "Splash@2/2:10100 SplashVantor@2/2:10100");
 }
 
 TEST(Timers, RunInTheStepTheyAreDueWhoeverSetsThemUntilCancelled) {

@@ -19,14 +19,12 @@
 #include "Reticle.h"
 #include "Setup.h"
 #include "Star.h"
-#include "core/EventStep.h"
 #include "core/GameManager.h"
 #include "extras/Harness.h"
 #include "media/DisplayManager.h"
 #include "media/EventKeyboard.h"
-#include "media/EventMouse.h"
 #include "media/ResourceManager.h"
-#include "world/EventOut.h"
+#include "support/HeadlessEngine.h"
 #include "world/WorldManager.h"
 
 using vt::Vector;
@@ -177,29 +175,13 @@ TEST_F(GameRules, TheReticleIsARedPlusWhereTheMouseMoved) {
   }
 }
 
-// Each object is made at its altitude and with its solidness (type@altitude/solidness), and answers
-// 1 for the events it handles and 0 for the others, which a subclass that passes events on to its
-// base relies on: step, out, a key, a mouse move.
+// Each object is made at its altitude and with its solidness, and answers whether it handled an
+// event, which a subclass that passes events on to its base relies on.
 TEST_F(GameRules, EachObjectIsMadeAsItsRoleWantsAndAnswersWhetherItHandledTheEvent) {
-  vt::EventMouse move;
-  move.setMouseAction(vt::MOVED);
-  const vt::EventStep stepped;
-  const vt::EventOut out;
-  const vt::EventKeyboard key;
-  const vt::Event* const EVENTS[] = {&stepped, &out, &key, &move};
-  vt::Object* const OBJECTS[] = {
-      new Hero,      new Points,          new Boss,      new Bullet({}),
-      new Drelk,     new EnemyBullet({}), new Explosion, new GameOver(false),
-      new GameStart, new Reticle,         new Star};
-  std::string answers;
-  for (vt::Object* p_object : OBJECTS) {
-    answers += " " + p_object->getType() + "@" + std::to_string(p_object->getAltitude()) + "/" +
-               std::to_string(p_object->getSolidness()) + ":";
-    for (const vt::Event* p_event : EVENTS)
-      answers += std::to_string(p_object->eventHandler(p_event));
-  }
-  EXPECT_EQ(answers,
-            " Hero@2/0:1011 Points@4/2:1000 Boss@2/0:1000 Bullet@2/1:0100 Drelk@2/0:1100 "
-            "EnemyBullet@2/1:0100 Explosion@2/2:1000 GameOver@4/2:1000 GameStart@4/2:0010 "
-            "Reticle@4/2:0001 Star@0/2:0100");
+  EXPECT_EQ(test::describeRoles({new Hero, new Points, new Boss, new Bullet({}), new Drelk,
+                                 new EnemyBullet({}), new Explosion, new GameOver(false),
+                                 new GameStart, new Reticle, new Star}),
+            "Hero@2/0:10110 Points@4/2:10000 Boss@2/0:10000 Bullet@2/1:01000 Drelk@2/0:11000 "
+            "EnemyBullet@2/1:01000 Explosion@2/2:10000 GameOver@4/2:10001 GameStart@4/2:00101 "
+            "Reticle@4/2:00010 Star@0/2:01000");
 }

@@ -10,9 +10,14 @@
 #include <thread>
 
 #include "core/Config.h"
+#include "core/EventStep.h"
 #include "core/GameManager.h"
 #include "core/LogManager.h"
+#include "media/EventKeyboard.h"
+#include "media/EventMouse.h"
+#include "media/EventView.h"
 #include "media/ResourceManager.h"
+#include "world/EventOut.h"
 #include "world/WorldManager.h"
 
 namespace test {
@@ -57,6 +62,26 @@ std::string frameRow(const vt::Harness& harness, int row) {
   for (int i = 0; i < row + 2; i++) frame.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
   std::string line;
   return std::getline(frame, line) ? line : "";
+}
+
+std::string describeRoles(const std::vector<vt::Object*>& objects) {
+  vt::EventMouse move;
+  move.setMouseAction(vt::MOVED);
+  const vt::EventStep stepped;
+  const vt::EventOut out;
+  const vt::EventKeyboard key;
+  const vt::EventView view;
+  std::string roles;
+  for (vt::Object* p_object : objects) {
+    roles += " " + p_object->getType() + "@" + std::to_string(p_object->getAltitude()) + "/" +
+             std::to_string(p_object->getSolidness()) + ":";
+    for (const vt::Event* p_event :
+         std::initializer_list<const vt::Event*>{&stepped, &out, &key, &move, &view})
+      roles += std::to_string(p_object->eventHandler(p_event));
+    // A splash ends the game at a key.
+    vt::GameManager::getInstance().setGameOver(false);
+  }
+  return roles.substr(1);
 }
 
 void restoreEngineSettings() {

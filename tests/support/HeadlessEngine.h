@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "extras/Harness.h"
+#include "world/Object.h"
 
 namespace test {
 
@@ -18,6 +19,9 @@ bool waitFor(const std::function<bool()>& condition, double seconds = 10);
 std::string writeConfig(const std::string& text);
 // A row of the frame the harness's last step drew, as its text shows it.
 std::string frameRow(const vt::Harness& harness, int row);
+// Each object as type@altitude/solidness:answers, the objects joined by blanks: the answers of its
+// handler (1 handled, 0 not) to a step, an out event, a key, a mouse move and a view event.
+std::string describeRoles(const std::vector<vt::Object*>& objects);
 
 // Puts back the settings tests change: the configuration's defaults, the
 // log's level, line prefixes and flushing, the game-over flag and the
