@@ -88,8 +88,9 @@ class RecorderTest : public testing::Test {
 };
 
 TEST_F(RecorderTest, ASessionReplaysAsPlayedAndTheFirstDifferenceIsNamed) {
-  // The file's format is fixed by the shooter's recorded sessions.
+  // The file's format is fixed by the shooter's recorded sessions; steps alike make one line.
   const Vector end = recordSession();
+  EXPECT_NE(test::readFile(recording).find("\n4-7 down:D\n"), std::string::npos);
   // The same game replayed, nothing fed by hand, ends where it did with its checks at their steps.
   // A game that strides twice as far searches another path; a replay run past its end or stopped
   // short fails. (A world that differs from its fingerprint fails the shooter's replay.) The

@@ -187,6 +187,9 @@ TEST(SpriteFile, SpritesByLabelUpToAThousandAndOnObjects) {
   EXPECT_EQ(p_object->getBox(), vt::Object().getBox());
   EXPECT_EQ(p_object->setSprite("c"), 0);
   EXPECT_EQ(p_object->getAnimation().getSprite(), p_c);
+  auto* p_copy = new vt::Object;
+  p_copy->deserialize(p_object->serialize("ALL"));
+  EXPECT_EQ(p_copy->getAnimation().getSprite(), p_c) << "a copy made from its text";
   EXPECT_EQ(p_object->getBox(), vt::Box(vt::Vector(-2.5f, -1.5f), 5, 3));
   rm.shutDown();
   ASSERT_EQ(rm.startUp(), 0);
