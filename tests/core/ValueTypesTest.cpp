@@ -17,8 +17,8 @@ TEST(ValueTypes, BoxesMeetPointsBoxesCirclesAndSegmentsAtTheirEdges) {
   EXPECT_TRUE(vt::boxIntersectsBox(Box(Vector(-5, -5), 20, 20), box));
   EXPECT_TRUE(vt::boxIntersectsBox(box, Box(Vector(-5, -5), 20, 20)));
   EXPECT_FALSE(vt::boxContainsBox(box, Box(Vector(0.5f, 0.5f), 2, 1)));
-  EXPECT_FALSE(vt::boxIntersectsCircle(box, vt::Circle(Vector(3, 3), 1.4f)));
-  EXPECT_TRUE(vt::boxIntersectsCircle(box, vt::Circle(Vector(3, 3), 1.5f)));
+  EXPECT_FALSE(vt::boxIntersectsCircle(box, vt::Circle(Vector(5, 6), 4.99f)));
+  EXPECT_TRUE(vt::boxIntersectsCircle(box, vt::Circle(Vector(5, 6), 5)));
   // A negative extent reaches back from the corner.
   EXPECT_TRUE(vt::boxIntersectsCircle(Box(Vector(2, 2), -2, -2), vt::Circle(Vector(-1, 1), 1)));
   // A segment between whole points around the box meets it where a walk along it does, in 840

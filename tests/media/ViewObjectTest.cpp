@@ -72,12 +72,12 @@ TEST_F(ViewObjectTest, ViewEventsReachTheirTagAndCopiesSaveWhatChanged) {
               std::tuple(after, after, 1));
   }
   p_copy->serialize("ALL");
-  p_copy->setValue(7);
-  EXPECT_EQ(p_copy->serialize() + p_copy->serialize(), "view_value:7,");
-  p_copy->setBorder(true);
-  EXPECT_EQ(p_copy->serialize() + p_copy->serialize(), "view_border:true,");
+  p_copy->setValue(7), p_copy->setBorder(true), p_copy->setColor(vt::RED);
+  p_copy->setDrawValue(true);
+  EXPECT_EQ(p_copy->serialize() + p_copy->serialize(),
+            "view_value:7,view_border:true,view_color:1,view_draw_value:true,");
   // A colour out of range is ignored; a missing location or an empty tag is kept.
   EXPECT_EQ(p_copy->deserialize("view_value:12ab,view_color:42,view_string:,"), 0);
   EXPECT_EQ(p_copy->serialize("STRING,VALUE,COLOR,LOCATION,"),
-            "view_string:Nukes,view_value:12,view_color:5,view_location:6,");
+            "view_string:Nukes,view_value:12,view_color:1,view_location:6,");
 }
