@@ -236,6 +236,10 @@ std::string Harness::frameText() const {
   return DisplayManager::getInstance().getFrame().toText();
 }
 
+std::string Harness::frameRow(int row) const {
+  return DisplayManager::getInstance().getFrame().rowText(row);
+}
+
 std::string Harness::checkFrame(const std::string& golden_file) const {
   const std::string actual = frameText();
   const char* p_update = std::getenv("VANTOR_UPDATE_GOLDEN");

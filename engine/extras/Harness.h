@@ -86,6 +86,8 @@ class Harness {
 
   // The frame the last step drew, as text (see the guide).
   std::string frameText() const;
+  // The characters of one row of that frame, undrawn cells as blanks.
+  std::string frameRow(int row) const;
   // Compares the last step's frame with a golden frame file: "" when they
   // match, else a cell-by-cell description of the differences; the frame
   // is then written beside it as golden_file + ".new", and the description

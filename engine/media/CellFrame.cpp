@@ -90,15 +90,25 @@ CellFrame::Cell CellFrame::at(int column, int row) const {
                static_cast<std::size_t>(column)];
 }
 
+std::string CellFrame::rowText(int row) const {
+  if (row < 0 || row >= rows) return "";
+  std::string text;
+  for (int column = 0; column < columns; column++) {
+    const Cell cell = at(column, row);
+    text += cell.drawn ? cell.ch : ' ';
+  }
+  return text;
+}
+
 std::string CellFrame::toText() const {
   std::string chars;
   std::string colors;
   std::map<std::string, char> others;
   std::string legend;
   for (int row = 0; row < rows; row++) {
+    chars += rowText(row) + "|\n";
     for (int column = 0; column < columns; column++) {
       const Cell cell = at(column, row);
-      chars += cell.drawn ? cell.ch : ' ';
       char letter = cell.drawn ? namedLetter(cell.r, cell.g, cell.b) : UNDRAWN_LETTER;
       if (letter == 0) {
         const std::string hex = hexColor(cell.r, cell.g, cell.b);
@@ -115,7 +125,6 @@ std::string CellFrame::toText() const {
       }
       colors += letter;
     }
-    chars += "|\n";
     colors += "|\n";
   }
   std::ostringstream text;

@@ -35,6 +35,8 @@ class CellFrame {
   Color getBackground() const { return background; }
   // The cell at a column and row; an undrawn cell outside the frame.
   Cell at(int column, int row) const;
+  // The characters of a row, undrawn cells as blanks; "" for a row outside the frame.
+  std::string rowText(int row) const;
 
   // The frame as text: a header line, the characters row by row, then the
   // colours row by row, one letter a cell (see the guide), each row ending

@@ -48,7 +48,7 @@ TEST(HotReload, AChangedSpriteShowsAtTheNextStepAndABrokenOneKeepsTheOld) {
     writeSprite(file + ".new", "red", {"<o>"});
     EXPECT_EQ(std::rename((file + ".new").c_str(), file.c_str()), 0);
     harness.step();
-    EXPECT_EQ(test::frameRow(harness, 5).substr(9, 3), asked ? "<o>" : " B ");
+    EXPECT_EQ(harness.frameRow(5).substr(9, 3), asked ? "<o>" : " B ");
     if (!asked) continue;
     EXPECT_EQ(p_ship->getAnimation().getSprite(),
               vt::ResourceManager::getInstance().getSprite("ship"));
@@ -56,7 +56,7 @@ TEST(HotReload, AChangedSpriteShowsAtTheNextStepAndABrokenOneKeepsTheOld) {
     EXPECT_EQ(p_boxed->getBox(), own_box);
     writeSprite(file, "mauve", {"XXX"});
     harness.step();
-    EXPECT_EQ(test::frameRow(harness, 5).substr(9, 3), "<o>");
+    EXPECT_EQ(harness.frameRow(5).substr(9, 3), "<o>");
     EXPECT_TRUE(harness.logContains("Unrecognized color 'mauve'"));
     EXPECT_TRUE(harness.logContains("Sprite 'ship' keeps its old frames"));
   }

@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <limits>
 #include <sstream>
 #include <thread>
 
@@ -54,14 +53,6 @@ bool waitFor(const std::function<bool()>& condition, double seconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   return true;
-}
-
-std::string frameRow(const vt::Harness& harness, int row) {
-  std::istringstream frame(harness.frameText());
-  // Two lines come before the rows.
-  for (int i = 0; i < row + 2; i++) frame.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
-  std::string line;
-  return std::getline(frame, line) ? line : "";
 }
 
 std::string describeRoles(const std::vector<vt::Object*>& objects) {

@@ -17,8 +17,6 @@ bool waitFor(const std::function<bool()>& condition, double seconds = 10);
 // Writes the text as a configuration file of a fresh temporary folder and
 // names it in VANTOR_CONFIG; returns its path.
 std::string writeConfig(const std::string& text);
-// A row of the frame the harness's last step drew, as its text shows it.
-std::string frameRow(const vt::Harness& harness, int row);
 // Each object as type@altitude/solidness:answers, the objects joined by blanks: the answers of its
 // handler (1 handled, 0 not) to a step, an out event, a key, a mouse move and a view event.
 std::string describeRoles(const std::vector<vt::Object*>& objects);
