@@ -147,6 +147,7 @@ TEST_F(RecorderTest, BadRecordingsAreRefusedWithTheirReason) {
       {header + "3 jump:D\nend 9\n", "line 7: unknown event 'jump:D'"},
       {header + "3 press:\nend 9\n", "line 7: unknown event 'press:'"},
       {header + "3 click:left@nan,1\nend 9\n", "unknown event 'click:left@nan,1'"},
+      {header + "3 move@,1\nend 9\n", "unknown event 'move@,1'"},
       {header + "3 world:0123456789abcdef0/2\nend 9\n",
        "unknown event 'world:0123456789abcdef0/2'"},
       {header + "3 press:D\n2 press:D\nend 9\n", "line 8: steps out of order"},

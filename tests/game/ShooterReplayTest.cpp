@@ -284,6 +284,7 @@ TEST(TerminalPlay, TheShooterIsPlayedInATerminalShowingTheFramesTheEngineDrew) {
   ASSERT_TRUE(test::waitFor([&] { return session.exitStatus() >= 0; }, 30));
   EXPECT_EQ(session.exitStatus(), 0);
   const std::string logged = test::readFile(folder + "/vantor.log");
+  EXPECT_NE(logged.find("a terminal of 80x24 cells for a game of 80x24.\n"), std::string::npos);
   const std::size_t paused = logged.find("Game paused.");
   const std::size_t resumed = logged.find("Game resumed.");
   ASSERT_TRUE(paused != std::string::npos && resumed != std::string::npos) << logged;
