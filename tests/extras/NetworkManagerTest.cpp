@@ -174,6 +174,7 @@ TEST_F(NetworkManagerTest, ClientsBeyondTheLimitAreRefusedCloseRenumbersTheOther
   EXPECT_EQ(payloads, (std::map<int, Strings>{{0, {"from B"}}, {1, {"from C"}}}));
   network_manager.setMaxConnections(2);
   RawPeer refused(port);
+  EXPECT_EQ(network_manager.accept(), -1);
   ASSERT_TRUE(pumpUntil([&] { return refused.sawClose(); }));
   EXPECT_EQ(network_manager.getNumConnections(), 2);
   // Closing all closes the first, and then the third of those renumbered.

@@ -46,7 +46,7 @@ class Walker : public vt::Object {
   int draw() override {
     vt::DisplayManager& display = vt::DisplayManager::getInstance();
     display.drawCh(getPosition() + Vector(2, 0), '*', 200, 100, 0);
-    return display.drawString(getPosition(), "Hi", vt::LEFT_JUSTIFIED, vt::YELLOW);
+    return display.drawString(getPosition(), "Hi", vt::LEFT_JUSTIFIED, vt::WHITE);
   }
 
  private:
@@ -182,10 +182,10 @@ TEST_F(RecorderTest, GoldenFramesShowEachCellAndNameWhatDiffers) {
   // No golden frame yet: the frame is written beside it as .new.
   EXPECT_NE(harness.checkFrame(golden).find("no golden frame"), std::string::npos);
   const std::string drawn = test::readFile(golden + ".new");
-  // "Hi*" at (10, 10 +- 0.01): the nearest cells, in yellow and a colour
+  // "Hi*" at (10, 10 +- 0.01): the nearest cells, in white and a colour
   // of the legend; the rest undrawn.
   const std::string row_10 = std::string(10, ' ') + "Hi*" + std::string(67, ' ') + "|\n";
-  const std::string colors_10 = std::string(10, '.') + "yy0" + std::string(67, '.') + "|\n";
+  const std::string colors_10 = std::string(10, '.') + "ww0" + std::string(67, '.') + "|\n";
   EXPECT_EQ(drawn.rfind("frame 80x24 background Black\nchars:\n", 0), 0u);
   EXPECT_NE(drawn.find(row_10), std::string::npos) << drawn;
   EXPECT_NE(drawn.find(colors_10), std::string::npos) << drawn;
@@ -203,13 +203,13 @@ TEST_F(RecorderTest, GoldenFramesShowEachCellAndNameWhatDiffers) {
   for (const char* line :
        {"row 10, column 10: ' ' where the expected frame has 'H'",
         "row 10, column 12: 'i' where the expected frame has '*'",
-        "row 10, column 10: nothing drawn where the expected frame has Yellow",
-        "row 10, column 12: Yellow where the expected frame has #c86400",
+        "row 10, column 10: nothing drawn where the expected frame has White",
+        "row 10, column 12: White where the expected frame has #c86400",
         "row 10, column 13: #c86400 where the expected frame has nothing drawn"}) {
     EXPECT_NE(differences.find(line), std::string::npos) << line << " in\n" << differences;
   }
   EXPECT_NE(test::readFile(golden + ".diff").find("row 10, column 13"), std::string::npos);
-  EXPECT_EQ(differences.find("row 10, column 11: Yellow"), std::string::npos);
+  EXPECT_EQ(differences.find("row 10, column 11: White"), std::string::npos);
   // Headless and not capturing, drawing reports that nothing was drawn.
   vt::DisplayManager& display = vt::DisplayManager::getInstance();
   display.setCapture(false);

@@ -81,8 +81,9 @@ const std::pair<std::string, Events> CASES[] = {
      {press(K::LEFTSHIFT), release(K::LEFTCONTROL), repeat(K::RIGHTSHIFT), press(K::RIGHTCONTROL)}},
     {CSI + "1;1:3A" + CSI + "1;5:1P" + CSI + "15;1:2~" + CSI + "1;1:9B" + CSI + "1;1:4B",
      {release(K::UPARROW), press(K::F1), repeat(K::F5)}},
-    {CSI + "99;5u" + CSI + "99;5:2u" + CSI + "99;5:3u" + CSI + "99u" + CSI + "99;3u",
-     {QUIT, press(K::C), press(K::C)}},
+    {CSI + "99;5u" + CSI + "99;5:2u" + CSI + "99;5:3u" + CSI + "99u" + CSI + "99;3u" + CSI +
+         "99;2u",
+     {QUIT, press(K::C), press(K::C), press(K::C)}},
     {CSI + "57399u" + CSI + "2~" + CSI + "H" + CSI + "5A" + CSI + "12;40R" + "w", {key(K::W)}},
     // Answers to queries.
     {CSI + "?11u" + CSI + "?62;22c",

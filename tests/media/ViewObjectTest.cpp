@@ -76,8 +76,10 @@ TEST_F(ViewObjectTest, ViewEventsReachTheirTagAndCopiesSaveWhatChanged) {
   p_copy->setDrawValue(true);
   EXPECT_EQ(p_copy->serialize() + p_copy->serialize(),
             "view_value:7,view_border:true,view_color:1,view_draw_value:true,");
-  // A colour out of range is ignored; a missing location or an empty tag is kept.
-  EXPECT_EQ(p_copy->deserialize("view_value:12ab,view_color:42,view_string:,"), 0);
+  // A colour out of range is ignored, a missing location or an empty tag kept; no text, no failure.
+  EXPECT_EQ(
+      p_copy->deserialize("view_value:12ab,view_color:42,view_string:,") + p_copy->deserialize(""),
+      0);
   EXPECT_EQ(p_copy->serialize("STRING,VALUE,COLOR,LOCATION,"),
             "view_string:Nukes,view_value:12,view_color:1,view_location:6,");
 }
