@@ -106,7 +106,7 @@ TEST(Particles, PresetsSprayTheirCountAndLiveTheirLives) {
   for (const vt::Object* p_flake : WorldManager::getInstance().objectsOfType("Particle"))
     EXPECT_LE(std::fabs(p_flake->getVelocity().getX()), 0.1001f);
   EXPECT_EQ(runSteps(1, "Precipitation"), 0);
-  runSteps(80);
+  runSteps(80);  // the flakes melt: what is left after the rocket is its burst
   ASSERT_EQ(vt::addParticles(vt::PARTICLE_FIREWORK, origin, 1.0f, vt::CYAN, 4), 0);
   EXPECT_EQ(runSteps(20, "Firework"), 0);
   EXPECT_GT(countOf("Particle"), 0);
@@ -141,6 +141,8 @@ TEST(Particles, EachPresetLooksAsItsGoldenFrame) {
   }
 }
 
+// The engine's own objects, as the game's: each made at its altitude (the default for one out of
+// range) and with its solidness, and answering whether it handled an event.
 TEST(EngineObjects, EachIsMadeAsItsRoleWantsAndAnswersWhetherItHandledTheEvent) {
   vt::Harness harness;
   ASSERT_EQ(harness.startUp(), 0);
